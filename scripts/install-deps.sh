@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs, from Debian 12's archive, everything the build, the tests, the peers the
+# tests compare against and the benchmarks need. Safe to run again: apt skips what is there.
+set -euo pipefail
+
+packages=(
+    build-essential cmake ninja-build pkg-config git
+    zlib1g-dev libminizip-dev
+    libgtest-dev libgmock-dev libbenchmark-dev
+    iproute2 util-linux nftables
+    clang-format
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
+        missing+=("$package")
+done
+
+if [ "${#missing[@]}" -gt 0 ]; then
+    export DEBIAN_FRONTEND=noninteractive
+    apt-get update -qq
+    apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
