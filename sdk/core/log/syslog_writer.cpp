@@ -45,8 +45,9 @@ void SyslogWriter::Write(uint16_t eventType, const wchar_t* record) noexcept {
     try {
         if (!Connect())
             return;
-        std::string datagram = "<" + std::to_string(SyslogPriority(eventType)) + ">" + sourceName_ +
-                               "[" + std::to_string(::getpid()) + "]: ";
+        std::string datagram;
+        datagram.append("<").append(std::to_string(SyslogPriority(eventType))).append(">");
+        datagram.append(sourceName_).append("[").append(std::to_string(::getpid())).append("]: ");
         datagram += Narrow(record != nullptr ? record : L"");
         if (::send(socket_.Get(), datagram.data(), datagram.size(), MSG_NOSIGNAL) < 0) {
             // The log daemon may have restarted: reconnect on the next record.
