@@ -23,5 +23,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/RyGigEConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/RyGigEConfig.cmake ${CMAKE_BINARY_DIR}/RyGigEConfigVersion.cmake
         DESTINATION ${ry_cmake_dir})
 
+# The .pc file finds its prefix from its own place, so the installed tree can be moved.
+file(RELATIVE_PATH RY_PC_PREFIX_FROM_PCDIR "/root/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/root")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/RyGigE.pc.in ${CMAKE_BINARY_DIR}/RyGigE.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/RyGigE.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

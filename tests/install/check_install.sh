@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs the built tree into a scratch prefix and builds a small application against it
+# twice: once through find_package(RyGigE), once through pkg-config. Both must run.
+set -euo pipefail
+build_dir=$1
+consumer_dir=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+cmake --install "$build_dir" --prefix "$scratch/prefix" >/dev/null
+libdir=$(find "$scratch/prefix" -name 'libRyGigE.so.7' -printf '%h\n' | head -n 1)
+test -n "$libdir" || { echo "libRyGigE.so.7 was not installed"; exit 1; }
+test -f "$scratch/prefix/include/rysdk/RyResult.h" || { echo "headers were not installed"; exit 1; }
+
+cmake -S "$consumer_dir" -B "$scratch/cmake-build" -G Ninja \
+      -DCMAKE_PREFIX_PATH="$scratch/prefix" >/dev/null
+cmake --build "$scratch/cmake-build"
+LD_LIBRARY_PATH="$libdir" "$scratch/cmake-build/consumer"
+
+pc_dir=$(find "$scratch/prefix" -name 'RyGigE.pc' -printf '%h\n' | head -n 1)
+flags=$(PKG_CONFIG_PATH="$pc_dir" pkg-config --cflags --libs RyGigE)
+# shellcheck disable=SC2086
+g++ -std=c++20 "$consumer_dir/consumer.cpp" -o "$scratch/pc-consumer" $flags
+LD_LIBRARY_PATH="$libdir" "$scratch/pc-consumer"
