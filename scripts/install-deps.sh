@@ -5,10 +5,12 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config git
-    zlib1g-dev libminizip-dev
+    zlib1g-dev libminizip-dev libsimde-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     iproute2 util-linux nftables
     clang-format
+    # peers and references the tests and benchmarks compare against
+    libopencv-dev aravis-tools-cli tshark
 )
 
 missing=()
