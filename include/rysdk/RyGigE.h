@@ -1,0 +1,121 @@
+// RyGigE: the root object an application creates first. It opens the transport layer,
+// discovers the interfaces and the cameras on each, keeps their information records,
+// holds the settings handed on to interfaces and cameras, and opens interfaces.
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "rysdk/RyExport.h"
+#include "rysdk/RyInfo.h"
+#include "rysdk/RyResult.h"
+#include "rysdk/RyTypes.h"
+
+namespace RYSDK {
+
+class RyInterface;
+namespace system {
+struct CameraSelectionAccess;
+}
+
+class RYSDK_API RyGigE {
+  public:
+    RyGigE();
+    ~RyGigE();
+    // A copy shares the original's information records, interfaces and transport
+    // handle: the two objects then see the same discovery and the same open interfaces.
+    RyGigE(const RyGigE& other);
+    RyGigE& operator=(const RyGigE& other);
+
+    // Opens the transport layer and, the first time, runs Discovery.
+    RESULT Open();
+    // Closes every interface opened through this object and drops the information
+    // records. The transport layer stays open; Discovery is not run again implicitly.
+    RESULT Close();
+
+    // Asks every interface for the cameras that answer and rebuilds the records.
+    RESULT Discovery();
+    RESULT GetDiscoveryInfo(DISCOVERY_INFO& info);
+
+    RESULT GetNumInterfaces(unsigned int* count);
+    // Cameras over all interfaces, on the interface with that index, or with that name.
+    RESULT GetNumCameras(unsigned int* count);
+    RESULT GetNumCameras(unsigned int interfaceIndex, unsigned int* count);
+    RESULT GetNumCameras(const char* interfaceName, unsigned int* count);
+
+    // Copies the record of the camera at a global index (cameras are numbered interface
+    // after interface) or with a name.
+    RESULT GetCameraInfo(unsigned int index, RYCAMERA_INFO* info);
+    RESULT GetCameraInfo(const char* name, RYCAMERA_INFO* info);
+    // Copies an interface record with copies of its camera records.
+    RESULT GetInterfaceInfo(unsigned int index, RYINTERFACE_INFO* info);
+    RESULT GetInterfaceInfo(const char* name, RYINTERFACE_INFO* info);
+
+    // Opens the interface of a discovery record (by position or by name); the object
+    // stays owned by this RyGigE.
+    RESULT OpenInterface(unsigned int index, RyInterface** out);
+    RESULT OpenInterface(const char* name, RyInterface** out);
+
+    // Gives a camera a temporary IP configuration by its MAC address, on every adapter.
+    RESULT SetForceIP(const unsigned char* mac, uint32_t ip, uint32_t subnet, uint32_t gateway);
+
+    // Settings the transport layer keeps.
+    RESULT SetGVCPTimeout(unsigned int timeoutMs);
+    RESULT GetGVCPTimeout(unsigned int& timeoutMs);
+    RESULT UseMTUOptimize(int use);
+    RESULT SetMTUTimeout(unsigned int timeoutMs);
+    RESULT GetMTUTimeout(unsigned int& timeoutMs);
+
+    // Settings kept here and handed on to interfaces and cameras.
+    RESULT SetMultiCastAddress(uint32_t address);
+    RESULT GetMultiCastAddress(uint32_t& address);
+    RESULT SetIgnoreSubnet(bool ignore);
+    RESULT GetIgnoreSubnet(bool& ignore);
+    RESULT SetDiscoveryTimeout(unsigned int timeoutMs);
+    RESULT GetDiscoveryTimeout(unsigned int& timeoutMs);
+    RESULT UseQueueManager(int use);
+    RESULT SetCCPPrivilege(CCP_PRIVILEGE privilege);
+    RESULT GetFilterType(unsigned int* filterType);
+    RESULT SetFilterType(unsigned int filterType);
+
+    // Writes an application record into the SDK's event log (level Info). The message
+    // is used as a format without arguments: "%%" gives a percent sign.
+    RESULT UserLogging(const wchar_t* label, const wchar_t* file, const wchar_t* function,
+                       uint32_t line, const wchar_t* message);
+
+    // The transport-layer system handle (null before Open).
+    TransportHandle GetSystemHandle() const noexcept { return m_hTL; }
+    CCP_PRIVILEGE GetCCPPrivilege() const noexcept { return m_Privilege; }
+    int GetQueueManager() const noexcept { return m_UseQueueManager; }
+
+  private:
+    friend struct system::CameraSelectionAccess;
+    using InterfaceInfoList = std::list<std::shared_ptr<RYINTERFACE_INFO>>;
+
+    RESULT DiscoverInterface(uint32_t index, RYINTERFACE_INFO& record);
+    RESULT DiscoverCameras(TransportHandle interfaceHandle, RYINTERFACE_INFO& record);
+    RESULT PrepareInterfaceOpen();
+    RESULT OpenInterfaceOfRecord(RYINTERFACE_INFO& record, RyInterface** out);
+    RYINTERFACE_INFO* FindInterfaceRecord(const char* name) noexcept;
+    const RYCAMERA_INFO* FindCameraRecord(unsigned int globalIndex) const noexcept;
+
+    // Closes the transport layer when the last copy of this object goes.
+    struct SystemSession;
+
+    TransportHandle m_hTL = nullptr;
+    std::shared_ptr<SystemSession> m_Session;
+    InterfaceInfoList m_InterfaceInfoList;
+    int32_t m_Discovered = 0;
+    std::map<std::string, std::shared_ptr<RyInterface>> m_Interfaces;
+    unsigned int m_FilterType = 1;
+    uint32_t m_MultiCastAddress = 0;
+    bool m_IgnoreSubnet = false;
+    unsigned int m_DiscoveryTimeout = 100;
+    int m_UseQueueManager = 0;
+    CCP_PRIVILEGE m_Privilege = CCP_PRIVILEGE_CONTROL;
+};
+
+}  // namespace RYSDK
