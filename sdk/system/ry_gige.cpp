@@ -42,6 +42,13 @@ RESULT WriteTimeoutSetting(TransportHandle systemHandle, uint64_t pseudoAddress,
     return result;
 }
 
+RESULT ReadTimeoutSetting(TransportHandle systemHandle, uint64_t pseudoAddress,
+                          unsigned int& timeoutMs, const core::LogSite& site, uint32_t line) {
+    if (systemHandle == nullptr)
+        return RESULT_ERROR_INVALID_HANDLE;
+    return system::ReadPortValue(systemHandle, pseudoAddress, timeoutMs, site, line);
+}
+
 }  // namespace
 
 // Copies share one transport-layer session: the library stays initialised and the system
@@ -124,9 +131,7 @@ RESULT RyGigE::SetGVCPTimeout(unsigned int timeoutMs) {
 
 RESULT RyGigE::GetGVCPTimeout(unsigned int& timeoutMs) {
     RY_GIGE_SITE(GetGVCPTimeout);
-    if (m_hTL == nullptr)
-        return RESULT_ERROR_INVALID_HANDLE;
-    return system::ReadPortValue(m_hTL, kGvcpTimeoutAddress, timeoutMs, kSite, __LINE__);
+    return ReadTimeoutSetting(m_hTL, kGvcpTimeoutAddress, timeoutMs, kSite, __LINE__);
 }
 
 RESULT RyGigE::UseMTUOptimize(int use) {
@@ -146,9 +151,7 @@ RESULT RyGigE::SetMTUTimeout(unsigned int timeoutMs) {
 
 RESULT RyGigE::GetMTUTimeout(unsigned int& timeoutMs) {
     RY_GIGE_SITE(GetMTUTimeout);
-    if (m_hTL == nullptr)
-        return RESULT_ERROR_INVALID_HANDLE;
-    return system::ReadPortValue(m_hTL, kMtuTimeoutAddress, timeoutMs, kSite, __LINE__);
+    return ReadTimeoutSetting(m_hTL, kMtuTimeoutAddress, timeoutMs, kSite, __LINE__);
 }
 
 RESULT RyGigE::SetMultiCastAddress(uint32_t address) {
