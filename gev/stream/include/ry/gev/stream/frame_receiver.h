@@ -20,10 +20,15 @@ struct ReceiverSettings {
     bool resendEnabled = true;
     bool frequentResend = false;      // ask as soon as a gap is seen, not at the trailer/timeout
     bool acceptAnyInterface = false;  // LAG: accept the stream on every host address
+                                      // (applied by Create and by each Start)
+    // Stream channel packet size (SCPS: the IP datagram of a full data packet). It tells the
+    // engine where payload packets go before it has seen one; 0 learns it from the stream.
+    uint32_t packetSize = 0;
 };
 
 struct ReceiverEndpoint {
     uint32_t deviceIp = 0;   // host byte order; packets from any other source are dropped
+                             // (0 accepts every source)
     uint32_t localIp = 0;    // host byte order; 0 binds every address
     uint16_t localPort = 0;  // 0 lets the kernel choose; read the choice with LocalPort()
     size_t socketBufferBytes = 64u << 20;  // SO_RCVBUFFORCE, falling back to SO_RCVBUF
@@ -71,6 +76,9 @@ struct ReceiverCounters {
     uint64_t packetsResent = 0;  // arrived after a resend request
     uint64_t resendRequests = 0;
     uint64_t bytesReceived = 0;
+    uint64_t packetsDuplicated = 0;  // a packet id already placed in its block
+    uint64_t packetsRejected = 0;    // short, truncated, malformed or not fitting the block
+    uint64_t packetsIgnored = 0;     // late blocks, unsupported formats, foreign senders
 };
 
 struct ReceiverCallbacks {

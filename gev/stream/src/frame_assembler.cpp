@@ -1,0 +1,234 @@
+#include "frame_assembler.h"
+
+#include <algorithm>
+
+namespace ry::gev::stream::detail {
+
+namespace {
+
+constexpr uint32_t kStandardBlockIdSpan = 65535;  // 16-bit ids run 1..65535, 0 is unused
+constexpr uint32_t kIpAndUdpHeaderBytes = 28;
+
+}  // namespace
+
+FrameAssembler::FrameAssembler(const ReceiverCallbacks& callbacks, SharedCounters& shared)
+    : callbacks_(callbacks), shared_(shared) {}
+
+void FrameAssembler::Configure(const ReceiverSettings& settings) {
+    if (settings.packetSize != settings_.packetSize) {
+        packetSizeHintRefuted_ = false;
+    }
+    settings_ = settings;
+}
+
+void FrameAssembler::Reset() {
+    for (FrameSlot& slot : slots_) {
+        slot.Release();
+    }
+    lastSlot_ = nullptr;
+    anyBlockOpened_ = false;
+    newestBlockId_ = 0;
+}
+
+void FrameAssembler::Publish() {
+    shared_.Add(pending_);
+    pending_ = ReceiverCounters{};
+}
+
+FrameSlot* FrameAssembler::FindSlot(uint64_t blockId) {
+    if (lastSlot_ != nullptr && lastSlot_->Active() && lastSlot_->BlockId() == blockId) {
+        return lastSlot_;
+    }
+    for (FrameSlot& slot : slots_) {
+        if (slot.Active() && slot.BlockId() == blockId) {
+            lastSlot_ = &slot;
+            return &slot;
+        }
+    }
+    return nullptr;
+}
+
+// A block id that is neither open nor newer than the newest one belongs to a block already
+// given back (or dropped for want of a buffer): its packets are leftovers. An id far behind
+// the newest means the device restarted its count.
+bool FrameAssembler::IsNewBlock(const GvspPacket& packet) const {
+    if (!anyBlockOpened_ || packet.extendedId != extendedIds_) {
+        return true;
+    }
+    uint64_t behind = 0;
+    if (packet.extendedId) {
+        if (packet.blockId > newestBlockId_) {
+            return true;
+        }
+        behind = newestBlockId_ - packet.blockId;
+    } else {
+        const uint64_t ahead =
+            (packet.blockId + kStandardBlockIdSpan - newestBlockId_) % kStandardBlockIdSpan;
+        behind = ahead == 0 ? 0 : kStandardBlockIdSpan - ahead;
+    }
+    return behind > kLateBlockWindow;
+}
+
+uint32_t FrameAssembler::StreamPacketBytes(bool extendedId) const {
+    if (learnedPacketBytes_ != 0) {
+        return learnedPacketBytes_;
+    }
+    const uint32_t headerBytes = static_cast<uint32_t>(
+        kIpAndUdpHeaderBytes + (extendedId ? kExtendedHeaderBytes : kStandardHeaderBytes));
+    if (packetSizeHintRefuted_ || settings_.packetSize <= headerBytes) {
+        return 0;
+    }
+    return settings_.packetSize - headerBytes;
+}
+
+FrameSlot& FrameAssembler::FreeSlot() {
+    FrameSlot* oldest = &slots_[0];
+    for (FrameSlot& slot : slots_) {
+        if (!slot.Active()) {
+            return slot;
+        }
+        if (slot.openedAt < oldest->openedAt) {
+            oldest = &slot;
+        }
+    }
+    Close(*oldest);
+    return *oldest;
+}
+
+FrameSlot* FrameAssembler::OpenBlock(const GvspPacket& packet, TimePoint now) {
+    anyBlockOpened_ = true;
+    extendedIds_ = packet.extendedId;
+    newestBlockId_ = packet.blockId;
+    MarkOlderFramesDue(now);
+    FrameSlot& slot = FreeSlot();
+    LentBuffer buffer;
+    if (!callbacks_.takeBuffer || !callbacks_.takeBuffer(buffer)) {
+        ++pending_.framesDroppedNoBuffer;
+        return nullptr;
+    }
+    if (buffer.data == nullptr) {
+        buffer.size = 0;  // nothing can be written; the frame comes back flagged too small
+    }
+    slot.Open(packet.blockId, buffer, StreamPacketBytes(packet.extendedId), now);
+    lastSlot_ = &slot;
+    return &slot;
+}
+
+void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now) {
+    GvspPacket packet;
+    if (!DecodeGvspHeader(bytes, size, packet) || (!packet.extendedId && packet.blockId == 0)) {
+        ++pending_.packetsRejected;
+        return;
+    }
+    const bool knownFormat = packet.format >= static_cast<uint8_t>(PacketFormat::Leader) &&
+                             packet.format <= static_cast<uint8_t>(PacketFormat::GenericPayload);
+    if (!knownFormat) {
+        ++pending_.packetsIgnored;
+        return;
+    }
+    FrameSlot* slot = FindSlot(packet.blockId);
+    if ((packet.status & kErrorStatusBit) != 0) {
+        OnErrorPacket(slot, packet);
+        return;
+    }
+    if (slot == nullptr) {
+        if (!IsNewBlock(packet)) {
+            ++pending_.packetsIgnored;
+            return;
+        }
+        slot = OpenBlock(packet, now);
+        if (slot == nullptr) {
+            return;
+        }
+    }
+    ++pending_.packetsReceived;
+    slot->lastPacketAt = now;
+    switch (static_cast<PacketFormat>(packet.format)) {
+        case PacketFormat::Leader:
+            OnLeader(*slot, packet);
+            break;
+        case PacketFormat::Trailer:
+            OnTrailer(*slot, packet);
+            break;
+        case PacketFormat::GenericPayload:
+            OnPayload(*slot, packet);
+            break;
+    }
+    AfterPacket(*slot, packet.packetId, now);
+}
+
+void FrameAssembler::OnLeader(FrameSlot& slot, const GvspPacket& packet) {
+    LeaderFields leader;
+    if (packet.packetId != 0 || !DecodeLeader(packet.data, packet.dataSize, leader)) {
+        ++pending_.packetsRejected;
+        return;
+    }
+    if (!slot.OnLeader(leader)) {
+        ++pending_.packetsDuplicated;
+    }
+}
+
+void FrameAssembler::OnTrailer(FrameSlot& slot, const GvspPacket& packet) {
+    if (packet.dataSize < 4 || packet.packetId == 0) {
+        ++pending_.packetsRejected;
+        return;
+    }
+    if (!slot.OnTrailer(packet.packetId)) {
+        ++pending_.packetsDuplicated;
+        return;
+    }
+    slot.resendDue = true;
+}
+
+void FrameAssembler::OnPayload(FrameSlot& slot, const GvspPacket& packet) {
+    switch (slot.PlacePayload(packet.packetId, packet.data, packet.dataSize)) {
+        case PlaceResult::Placed:
+            pending_.bytesReceived += packet.dataSize;
+            if (learnedPacketBytes_ == 0 && slot.PacketBytes() != 0) {
+                learnedPacketBytes_ = slot.PacketBytes();
+            }
+            break;
+        case PlaceResult::Duplicate:
+            ++pending_.packetsDuplicated;
+            break;
+        case PlaceResult::Unplaceable:
+            break;
+        case PlaceResult::Rejected:
+        case PlaceResult::OutOfBuffer:
+            ++pending_.packetsRejected;
+            break;
+    }
+}
+
+// The device answers a resend request it cannot serve with a header-only error packet; asking
+// again would only bring the same answer.
+void FrameAssembler::OnErrorPacket(FrameSlot* slot, const GvspPacket& packet) {
+    const bool packetGone = packet.status == kStatusPacketUnavailable ||
+                            packet.status == kStatusPacketAndPreviousRemoved ||
+                            packet.status == kStatusPacketRemoved;
+    if (slot != nullptr && packetGone) {
+        slot->resendRefused = true;
+        slot->resendDue = true;
+    }
+    ++pending_.packetsIgnored;
+}
+
+void FrameAssembler::AfterPacket(FrameSlot& slot, uint32_t packetId, TimePoint now) {
+    if (slot.IsComplete()) {
+        Close(slot);
+        return;
+    }
+    const bool gap = packetId > slot.nextExpectedId;
+    const bool askNow = settings_.resendEnabled && settings_.frequentResend &&
+                        settings_.maxResendRequests > 0 && !slot.resendRefused;
+    if (gap && askNow) {
+        RequestMissing(slot, slot.nextExpectedId, packetId - 1);
+        if (slot.resendRounds == 0) {
+            slot.resendRounds = 1;
+            slot.nextResendAt = now + std::chrono::milliseconds(settings_.resendTimeoutMs);
+        }
+    }
+    slot.nextExpectedId = std::max(slot.nextExpectedId, packetId + 1);
+}
+
+}  // namespace ry::gev::stream::detail

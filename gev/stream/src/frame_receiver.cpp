@@ -1,0 +1,199 @@
+#include "ry/gev/stream/frame_receiver.h"
+
+#include <poll.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "datagram_socket.h"
+#include "frame_assembler.h"
+#include "shared_counters.h"
+
+namespace ry::gev::stream {
+
+namespace {
+
+using detail::Clock;
+
+// Longest sleep of an idle receiving thread; Stop wakes it at once through the event.
+constexpr int kIdlePollMs = 200;
+
+class FrameReceiverImpl final : public FrameReceiver {
+  public:
+    FrameReceiverImpl(const ReceiverEndpoint& endpoint, const ReceiverSettings& settings,
+                      ReceiverCallbacks callbacks, detail::DatagramSocket socket)
+        : endpoint_(endpoint),
+          settings_(settings),
+          callbacks_(std::move(callbacks)),
+          socket_(std::move(socket)),
+          assembler_(callbacks_, counters_) {}
+
+    ~FrameReceiverImpl() override { Stop(true, nullptr); }
+
+    uint16_t LocalPort() const override { return socket_.Port(); }
+
+    void SetSettings(const ReceiverSettings& settings) override {
+        std::lock_guard lock(settingsMutex_);
+        settings_ = settings;
+        settingsGeneration_.fetch_add(1, std::memory_order_release);
+    }
+
+    ReceiverSettings Settings() const override {
+        std::lock_guard lock(settingsMutex_);
+        return settings_;
+    }
+
+    bool Start() override;
+    void Stop(bool discardPartial,
+              const std::function<void(const LentBuffer&)>& returnBuffer) override;
+    bool Running() const override { return running_.load(std::memory_order_acquire); }
+    ReceiverCounters Counters() const override { return counters_.Snapshot(); }
+
+  private:
+    bool RebindForSettings();
+    void ReceiveLoopGuarded();
+    void ReceiveLoop();
+    void ReloadSettingsIfChanged(uint64_t& seenGeneration);
+    bool WaitForPackets(int timeoutMs);
+    void HandleBatch(size_t count);
+
+    const ReceiverEndpoint endpoint_;
+    mutable std::mutex settingsMutex_;
+    ReceiverSettings settings_;
+    std::atomic<uint64_t> settingsGeneration_{1};
+    const ReceiverCallbacks callbacks_;
+    detail::DatagramSocket socket_;
+    detail::SharedCounters counters_;
+    detail::FrameAssembler assembler_;
+    detail::ReceiveBatch batch_;
+    detail::WakeEvent wake_;
+    std::atomic<bool> stopRequested_{false};
+    std::atomic<bool> running_{false};
+    std::mutex lifecycleMutex_;
+    std::thread thread_;
+};
+
+uint32_t BindAddress(const ReceiverEndpoint& endpoint, const ReceiverSettings& settings) {
+    return settings.acceptAnyInterface ? 0 : endpoint.localIp;
+}
+
+// The LAG setting decides which local address the socket listens on; the port stays the one
+// the device was told about.
+bool FrameReceiverImpl::RebindForSettings() {
+    const uint32_t wanted = BindAddress(endpoint_, Settings());
+    if (wanted == socket_.BoundIp()) {
+        return true;
+    }
+    const uint16_t port = socket_.Port();
+    socket_ = detail::DatagramSocket{};
+    socket_ = detail::DatagramSocket::Open(wanted, port, endpoint_.socketBufferBytes, nullptr);
+    return socket_.Valid();
+}
+
+bool FrameReceiverImpl::Start() {
+    std::lock_guard lock(lifecycleMutex_);
+    if (thread_.joinable()) {
+        return true;
+    }
+    if (!wake_.Valid() || !RebindForSettings()) {
+        return false;
+    }
+    assembler_.Reset();
+    wake_.Drain();
+    stopRequested_.store(false, std::memory_order_release);
+    running_.store(true, std::memory_order_release);
+    thread_ = std::thread([this] { ReceiveLoopGuarded(); });
+    return true;
+}
+
+void FrameReceiverImpl::Stop(bool discardPartial,
+                             const std::function<void(const LentBuffer&)>& returnBuffer) {
+    std::lock_guard lock(lifecycleMutex_);
+    if (!thread_.joinable()) {
+        return;
+    }
+    stopRequested_.store(true, std::memory_order_release);
+    wake_.Signal();
+    thread_.join();
+    assembler_.CloseAll(discardPartial, returnBuffer);
+    running_.store(false, std::memory_order_release);
+}
+
+void FrameReceiverImpl::ReloadSettingsIfChanged(uint64_t& seenGeneration) {
+    const uint64_t generation = settingsGeneration_.load(std::memory_order_acquire);
+    if (generation != seenGeneration) {
+        seenGeneration = generation;
+        assembler_.Configure(Settings());
+    }
+}
+
+// False when the thread was asked to stop.
+bool FrameReceiverImpl::WaitForPackets(int timeoutMs) {
+    pollfd fds[2] = {{socket_.Fd(), POLLIN, 0}, {wake_.Fd(), POLLIN, 0}};
+    const int ready = ::poll(fds, 2, timeoutMs);
+    return !(ready > 0 && (fds[1].revents & POLLIN) != 0);
+}
+
+void FrameReceiverImpl::HandleBatch(size_t count) {
+    const auto now = Clock::now();
+    const uint32_t deviceIp = endpoint_.deviceIp;
+    for (size_t i = 0; i < count; ++i) {
+        if (deviceIp != 0 && batch_.SourceIp(i) != deviceIp) {
+            assembler_.OnForeignDatagram();
+        } else if (batch_.Truncated(i)) {
+            assembler_.OnTruncatedDatagram();
+        } else {
+            assembler_.OnDatagram(batch_.Data(i), batch_.Size(i), now);
+        }
+    }
+}
+
+// A callback that throws ends the receiving thread rather than the process; the lender sees
+// Running() turn false.
+void FrameReceiverImpl::ReceiveLoopGuarded() {
+    try {
+        ReceiveLoop();
+    } catch (...) {
+        assembler_.Publish();
+    }
+    running_.store(false, std::memory_order_release);
+}
+
+void FrameReceiverImpl::ReceiveLoop() {
+    uint64_t seenGeneration = 0;
+    bool batchWasFull = false;
+    while (!stopRequested_.load(std::memory_order_acquire)) {
+        ReloadSettingsIfChanged(seenGeneration);
+        // A full batch means more is waiting: skip the poll and read again.
+        if (!batchWasFull) {
+            const int timeoutMs = assembler_.MillisecondsToNextDeadline(Clock::now(), kIdlePollMs);
+            if (!WaitForPackets(timeoutMs)) {
+                break;
+            }
+        }
+        const size_t count = batch_.ReceiveFrom(socket_.Fd());
+        batchWasFull = count == batch_.Capacity();
+        HandleBatch(count);
+        assembler_.Service(Clock::now());
+        assembler_.Publish();
+    }
+    assembler_.Publish();
+}
+
+}  // namespace
+
+std::unique_ptr<FrameReceiver> FrameReceiver::Create(const ReceiverEndpoint& endpoint,
+                                                     const ReceiverSettings& settings,
+                                                     ReceiverCallbacks callbacks,
+                                                     std::string* errorText) {
+    detail::DatagramSocket socket = detail::DatagramSocket::Open(
+        BindAddress(endpoint, settings), endpoint.localPort, endpoint.socketBufferBytes, errorText);
+    if (!socket.Valid()) {
+        return nullptr;
+    }
+    return std::make_unique<FrameReceiverImpl>(endpoint, settings, std::move(callbacks),
+                                               std::move(socket));
+}
+
+}  // namespace ry::gev::stream

@@ -1,0 +1,214 @@
+#include "frame_slot.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace ry::gev::stream::detail {
+
+namespace {
+
+// Ids 0 (leader) .. N (last payload) and N + 1 (trailer) for a buffer cut into packets.
+uint32_t PacketIdsFor(size_t bufferBytes, uint32_t packetBytes) {
+    const uint64_t payloadPackets = (uint64_t{bufferBytes} + packetBytes - 1) / packetBytes;
+    return static_cast<uint32_t>(std::min<uint64_t>(payloadPackets + 2, UINT32_MAX));
+}
+
+}  // namespace
+
+void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packetBytes,
+                     TimePoint now) {
+    active_ = true;
+    blockId_ = blockId;
+    buffer_ = buffer;
+    leader_ = LeaderFields{};
+    haveLeader_ = haveTrailer_ = tooSmall_ = inconsistent_ = false;
+    packetBytes_ = packetBytes;
+    firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
+    shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = resentPackets_ = 0;
+    bytesFilled_ = 0;
+    // Until the packet size is known only the leader and packet 1 (always at offset 0) fit.
+    const uint32_t ids = packetBytes_ != 0 ? PacketIdsFor(buffer.size, packetBytes_) : 2;
+    received_.Reset(ids);
+    requested_.Reset(ids);
+    openedAt = lastPacketAt = now;
+    nextResendAt = TimePoint{};
+    resendRounds = 0;
+    resendDue = resendRefused = false;
+    nextExpectedId = 0;
+}
+
+void FrameSlot::LearnPacketBytes(uint32_t packetBytes) {
+    packetBytes_ = packetBytes;
+    const uint32_t ids = PacketIdsFor(buffer_.size, packetBytes_);
+    received_.Grow(ids);
+    requested_.Grow(ids);
+    if (haveTrailer_) {
+        // The trailer bit could not be kept while only ids 0 and 1 were addressable.
+        if (lastPayloadId_ + 1 < ids) {
+            received_.Set(lastPayloadId_ + 1);
+        } else {
+            tooSmall_ = true;
+        }
+    }
+}
+
+bool FrameSlot::OnLeader(const LeaderFields& leader) {
+    if (!received_.Set(0)) {
+        return false;
+    }
+    resentPackets_ += requested_.Test(0) ? 1 : 0;
+    leader_ = leader;
+    haveLeader_ = true;
+    return true;
+}
+
+bool FrameSlot::OnTrailer(uint32_t packetId) {
+    if (packetId == 0 || haveTrailer_) {
+        return false;
+    }
+    haveTrailer_ = true;
+    lastPayloadId_ = packetId - 1;
+    if (received_.Set(packetId)) {
+        resentPackets_ += requested_.Test(packetId) ? 1 : 0;
+    }
+    if (packetBytes_ != 0 && packetId >= received_.Size()) {
+        tooSmall_ = true;
+    }
+    if (shortPacketId_ != 0 && shortPacketId_ != lastPayloadId_) {
+        ForgetShortPacket();
+    }
+    inconsistent_ = highestPayloadId_ > lastPayloadId_;
+    return true;
+}
+
+void FrameSlot::ForgetShortPacket() {
+    received_.Clear(shortPacketId_);
+    bytesFilled_ -= shortPacketBytes_;
+    --payloadReceived_;
+    shortPacketId_ = shortPacketBytes_ = 0;
+}
+
+// A packet shorter than the others can only be the last one of the block; anything else is a
+// truncated datagram whose bytes must not count.
+bool FrameSlot::AcceptShortPacket(uint32_t packetId) {
+    if (haveTrailer_ ? packetId != lastPayloadId_ : packetId < highestPayloadId_) {
+        return false;
+    }
+    if (shortPacketId_ != 0 && shortPacketId_ != packetId) {
+        if (shortPacketId_ > packetId) {
+            return false;
+        }
+        ForgetShortPacket();
+    }
+    shortPacketId_ = packetId;
+    return true;
+}
+
+PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size_t size) {
+    if (packetId == 0 || size == 0 || (haveTrailer_ && packetId > lastPayloadId_)) {
+        return PlaceResult::Rejected;
+    }
+    if (packetBytes_ == 0) {
+        if (packetId == 1) {
+            firstPacketBytes_ = static_cast<uint32_t>(size);
+            if (highestPayloadId_ > 1) {
+                LearnPacketBytes(firstPacketBytes_);
+            }
+        } else if (firstPacketBytes_ != 0) {
+            LearnPacketBytes(firstPacketBytes_);
+        } else if (haveTrailer_ && packetId < lastPayloadId_) {
+            LearnPacketBytes(static_cast<uint32_t>(size));
+        } else {
+            highestPayloadId_ = std::max(highestPayloadId_, packetId);
+            return PlaceResult::Unplaceable;
+        }
+    }
+    if (packetBytes_ != 0 && size > packetBytes_) {
+        ++oversizedPackets_;
+        return PlaceResult::Rejected;
+    }
+    if (received_.Test(packetId)) {
+        return PlaceResult::Duplicate;
+    }
+    // With the size unknown only packet 1 gets here, and it always starts the block.
+    const uint64_t offset = packetBytes_ != 0 ? uint64_t{packetId - 1} * packetBytes_ : 0;
+    if (offset >= buffer_.size) {
+        tooSmall_ = true;
+        return PlaceResult::OutOfBuffer;
+    }
+    const bool isShort = packetBytes_ != 0 && size < packetBytes_;
+    if (isShort && !AcceptShortPacket(packetId)) {
+        return PlaceResult::Rejected;
+    }
+    CopyIn(packetId, static_cast<size_t>(offset), data, size);
+    return PlaceResult::Placed;
+}
+
+void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, size_t size) {
+    const size_t copied = std::min(size, buffer_.size - offset);
+    tooSmall_ = tooSmall_ || copied < size;
+    received_.Set(packetId);
+    std::memcpy(buffer_.data + offset, data, copied);
+    bytesFilled_ += copied;
+    ++payloadReceived_;
+    resentPackets_ += requested_.Test(packetId) ? 1 : 0;
+    if (packetId == shortPacketId_) {
+        shortPacketBytes_ = static_cast<uint32_t>(copied);
+    } else if (shortPacketId_ != 0 && packetId > shortPacketId_) {
+        ForgetShortPacket();
+    }
+    if (packetId > highestPayloadId_) {
+        highestPayloadId_ = packetId;
+        inconsistent_ = inconsistent_ || (haveTrailer_ && packetId > lastPayloadId_);
+    }
+}
+
+bool FrameSlot::IsComplete() const {
+    return haveLeader_ && haveTrailer_ && !tooSmall_ && !inconsistent_ &&
+           payloadReceived_ == lastPayloadId_;
+}
+
+uint32_t FrameSlot::ExpectedLastPayloadId() const {
+    if (haveTrailer_) {
+        return lastPayloadId_;
+    }
+    if (haveLeader_ && leader_.payloadBytes != 0 && packetBytes_ != 0) {
+        const uint64_t fitting = std::min<uint64_t>(leader_.payloadBytes, buffer_.size);
+        const uint64_t packets = (fitting + packetBytes_ - 1) / packetBytes_;
+        return static_cast<uint32_t>(std::max<uint64_t>(packets, highestPayloadId_));
+    }
+    return highestPayloadId_;
+}
+
+uint32_t FrameSlot::MissingCount() const {
+    return received_.CountClear(0, ExpectedLastPayloadId() + 1);
+}
+
+FrameStatus FrameSlot::FinalStatus() const {
+    if (tooSmall_) {
+        return FrameStatus::TooSmall;
+    }
+    return IsComplete() ? FrameStatus::Complete : FrameStatus::Incomplete;
+}
+
+ReceivedFrame FrameSlot::Describe(FrameStatus status) const {
+    ReceivedFrame frame;
+    frame.buffer = buffer_;
+    frame.status = status;
+    frame.blockId = blockId_;
+    frame.timestamp = leader_.timestamp;
+    frame.payloadType = leader_.payloadType;
+    frame.pixelFormat = leader_.pixelFormat;
+    frame.width = leader_.width;
+    frame.height = leader_.height;
+    frame.offsetX = leader_.offsetX;
+    frame.offsetY = leader_.offsetY;
+    frame.paddingX = leader_.paddingX;
+    frame.paddingY = leader_.paddingY;
+    frame.bytesFilled = bytesFilled_;
+    frame.missingPackets = status == FrameStatus::Complete ? 0 : MissingCount();
+    frame.resentPackets = resentPackets_;
+    return frame;
+}
+
+}  // namespace ry::gev::stream::detail

@@ -1,0 +1,101 @@
+// One block being reassembled into a lent buffer. It decides where each payload packet goes,
+// which packets are still missing and whether the block is whole; the assembler decides when
+// to ask for resends and when to give the buffer back.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+#include "gvsp_view.h"
+#include "packet_bitmap.h"
+#include "ry/gev/stream/frame_receiver.h"
+
+namespace ry::gev::stream::detail {
+
+using Clock = std::chrono::steady_clock;
+using TimePoint = Clock::time_point;
+
+enum class PlaceResult {
+    Placed,
+    Duplicate,
+    Rejected,     // short, oversized or beyond the trailer: never counted as data
+    Unplaceable,  // the packet size of the stream is not known yet; a resend will bring it
+    OutOfBuffer,  // the block is larger than the lent buffer
+};
+
+class FrameSlot {
+  public:
+    // `packetBytes` is the payload size per full packet when the stream already told us, else 0.
+    void Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packetBytes, TimePoint now);
+    void Release() { active_ = false; }
+    bool Active() const { return active_; }
+    uint64_t BlockId() const { return blockId_; }
+    const LentBuffer& Buffer() const { return buffer_; }
+    uint32_t PacketBytes() const { return packetBytes_; }
+    bool HasOversizedPackets() const { return oversizedPackets_ != 0; }
+    bool HasTrailer() const { return haveTrailer_; }
+
+    // Each returns true when the packet was new for this block.
+    bool OnLeader(const LeaderFields& leader);
+    bool OnTrailer(uint32_t packetId);
+    PlaceResult PlacePayload(uint32_t packetId, const uint8_t* data, size_t size);
+
+    bool IsComplete() const;
+    // The best guess of the last payload packet id: the trailer's, else the leader's size,
+    // else the highest id seen.
+    uint32_t ExpectedLastPayloadId() const;
+    // Packets of [0, expected last + 1] not yet received (leader and trailer included).
+    uint32_t MissingCount() const;
+    // Calls visit(first, last) for every missing run in [0, expected last + 1].
+    template <typename Visit>
+    void ForEachMissingRun(Visit&& visit) const {
+        received_.ForEachClearRun(0, ExpectedLastPayloadId() + 1, visit);
+    }
+    template <typename Visit>
+    void ForEachMissingRunIn(uint32_t first, uint32_t last, Visit&& visit) const {
+        received_.ForEachClearRun(first, last, visit);
+    }
+    // Marks [first, last] as asked for, so their arrival counts as a resent packet.
+    void MarkRequested(uint32_t first, uint32_t last) { requested_.SetRange(first, last); }
+
+    ReceivedFrame Describe(FrameStatus status) const;
+    FrameStatus FinalStatus() const;
+
+    // Resend and time-out bookkeeping, owned by the assembler.
+    TimePoint openedAt{};
+    TimePoint lastPacketAt{};
+    TimePoint nextResendAt{};
+    uint32_t resendRounds = 0;
+    bool resendDue = false;       // a trailer or a newer block showed that packets are missing
+    bool resendRefused = false;   // the device said a requested packet is gone
+    uint32_t nextExpectedId = 0;  // gap detection in frequent-resend mode
+
+  private:
+    void LearnPacketBytes(uint32_t packetBytes);
+    void ForgetShortPacket();
+    bool AcceptShortPacket(uint32_t packetId);
+    void CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, size_t size);
+
+    bool active_ = false;
+    uint64_t blockId_ = 0;
+    LentBuffer buffer_;
+    LeaderFields leader_;
+    bool haveLeader_ = false;
+    bool haveTrailer_ = false;
+    bool tooSmall_ = false;
+    bool inconsistent_ = false;  // packets past the trailer's end were placed earlier
+    uint32_t packetBytes_ = 0;
+    uint32_t firstPacketBytes_ = 0;  // size of packet 1 while the packet size is unknown
+    uint32_t lastPayloadId_ = 0;     // from the trailer
+    uint32_t highestPayloadId_ = 0;
+    uint32_t payloadReceived_ = 0;
+    uint32_t shortPacketId_ = 0;  // the one packet allowed to be shorter: it must be the last
+    uint32_t shortPacketBytes_ = 0;
+    uint32_t oversizedPackets_ = 0;
+    uint32_t resentPackets_ = 0;
+    size_t bytesFilled_ = 0;
+    PacketBitmap received_;
+    PacketBitmap requested_;
+};
+
+}  // namespace ry::gev::stream::detail

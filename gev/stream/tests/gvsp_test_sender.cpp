@@ -1,0 +1,238 @@
+#include "gvsp_test_sender.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+
+namespace ry::gev::stream::testing {
+
+namespace {
+
+void PutBe16(std::vector<uint8_t>& out, size_t at, uint32_t value) {
+    out[at] = static_cast<uint8_t>(value >> 8);
+    out[at + 1] = static_cast<uint8_t>(value);
+}
+
+void PutBe32(std::vector<uint8_t>& out, size_t at, uint32_t value) {
+    PutBe16(out, at, value >> 16);
+    PutBe16(out, at + 2, value & 0xFFFF);
+}
+
+void PutBe64(std::vector<uint8_t>& out, size_t at, uint64_t value) {
+    PutBe32(out, at, static_cast<uint32_t>(value >> 32));
+    PutBe32(out, at + 4, static_cast<uint32_t>(value));
+}
+
+std::vector<uint8_t> Header(const BlockSpec& spec, uint8_t format, uint32_t packetId,
+                            size_t dataBytes) {
+    const size_t headerBytes = spec.extendedIds ? 20 : 8;
+    std::vector<uint8_t> packet(headerBytes + dataBytes, 0);
+    if (spec.extendedIds) {
+        packet[4] = static_cast<uint8_t>(0x80 | format);
+        PutBe64(packet, 8, spec.blockId);
+        PutBe32(packet, 16, packetId);
+    } else {
+        PutBe16(packet, 2, static_cast<uint32_t>(spec.blockId));
+        PutBe32(packet, 4, (uint32_t{format} << 24) | (packetId & 0xFFFFFF));
+    }
+    return packet;
+}
+
+std::vector<uint8_t> Leader(const BlockSpec& spec) {
+    std::vector<uint8_t> packet = Header(spec, 1, 0, 36);
+    const size_t at = spec.extendedIds ? 20 : 8;
+    PutBe16(packet, at + 2, 0x0001);
+    PutBe64(packet, at + 4, 0x0102030405060708ull + spec.blockId);
+    PutBe32(packet, at + 12, spec.leaderDeclaresSize ? kMono8 : 0);
+    PutBe32(packet, at + 16, spec.width);
+    PutBe32(packet, at + 20, spec.height);
+    return packet;
+}
+
+}  // namespace
+
+Block BuildBlock(const BlockSpec& spec) {
+    Block block;
+    block.spec = spec;
+    block.payload.resize(size_t{spec.width} * spec.height);
+    for (size_t i = 0; i < block.payload.size(); ++i) {
+        block.payload[i] = static_cast<uint8_t>(i * 7 + i / 251 + spec.seed);
+    }
+    block.packets.push_back(Leader(spec));
+    const size_t headerBytes = spec.extendedIds ? 20 : 8;
+    uint32_t packetId = 1;
+    for (size_t offset = 0; offset < block.payload.size(); offset += spec.packetDataBytes) {
+        const size_t bytes = std::min<size_t>(spec.packetDataBytes, block.payload.size() - offset);
+        std::vector<uint8_t> packet = Header(spec, 3, packetId++, bytes);
+        std::copy_n(block.payload.begin() + static_cast<ptrdiff_t>(offset), bytes,
+                    packet.begin() + static_cast<ptrdiff_t>(headerBytes));
+        block.packets.push_back(std::move(packet));
+    }
+    std::vector<uint8_t> trailer = Header(spec, 2, packetId, 8);
+    PutBe16(trailer, headerBytes + 2, 0x0001);
+    PutBe32(trailer, headerBytes + 4, spec.height);
+    block.packets.push_back(std::move(trailer));
+    return block;
+}
+
+std::vector<uint8_t> BuildErrorPacket(const BlockSpec& spec, uint32_t packetId, uint16_t status) {
+    std::vector<uint8_t> packet = Header(spec, 3, packetId, 0);
+    PutBe16(packet, 0, status);
+    return packet;
+}
+
+UdpSender::UdpSender(uint32_t sourceIp, uint16_t destinationPort, uint32_t destinationIp)
+    : fd_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)),
+      destinationPort_(destinationPort),
+      destinationIp_(destinationIp) {
+    sockaddr_in local{};
+    local.sin_family = AF_INET;
+    local.sin_addr.s_addr = htonl(sourceIp);
+    if (fd_ < 0 || ::bind(fd_, reinterpret_cast<sockaddr*>(&local), sizeof local) != 0) {
+        throw std::runtime_error("cannot bind the test sender");
+    }
+}
+
+UdpSender::~UdpSender() {
+    ::close(fd_);
+}
+
+void UdpSender::Send(const std::vector<uint8_t>& datagram) const {
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_addr.s_addr = htonl(destinationIp_);
+    to.sin_port = htons(destinationPort_);
+    ::sendto(fd_, datagram.data(), datagram.size(), 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+}
+
+void UdpSender::SendAll(const Block& block) const {
+    SendRange(block, 0, block.TrailerId());
+}
+
+void UdpSender::SendRange(const Block& block, uint32_t first, uint32_t last) const {
+    for (uint32_t id = first; id <= last && id < block.packets.size(); ++id) {
+        Send(block.packets[id]);
+    }
+}
+
+FrameCollector::FrameCollector(size_t bufferCount, size_t bufferBytes) {
+    storage_.reserve(bufferCount);
+    for (size_t i = 0; i < bufferCount; ++i) {
+        storage_.emplace_back(bufferBytes + kGuardBytes, kFill);
+        free_.push_back(LentBuffer{storage_.back().data(), bufferBytes, &storage_.back()});
+    }
+}
+
+ReceiverCallbacks FrameCollector::Callbacks() {
+    ReceiverCallbacks callbacks;
+    callbacks.takeBuffer = [this](LentBuffer& buffer) { return Take(buffer); };
+    callbacks.deliver = [this](const ReceivedFrame& frame) { Deliver(frame); };
+    callbacks.requestResend = [this](uint64_t blockId, uint32_t first, uint32_t last) {
+        OnResend(blockId, first, last);
+    };
+    return callbacks;
+}
+
+void FrameCollector::ServeResendsFrom(const UdpSender* sender, const std::vector<Block>* blocks) {
+    std::lock_guard lock(mutex_);
+    resendSender_ = sender;
+    resendBlocks_ = blocks;
+}
+
+bool FrameCollector::Take(LentBuffer& buffer) {
+    std::lock_guard lock(mutex_);
+    if (free_.empty()) {
+        return false;
+    }
+    buffer = free_.front();
+    free_.pop_front();
+    return true;
+}
+
+void FrameCollector::Deliver(const ReceivedFrame& frame) {
+    std::lock_guard lock(mutex_);
+    frames_.push_back(frame);
+    delivered_.notify_all();
+}
+
+void FrameCollector::OnResend(uint64_t blockId, uint32_t first, uint32_t last) {
+    std::lock_guard lock(mutex_);
+    requests_.push_back({blockId, first, last});
+    if (resendSender_ == nullptr) {
+        return;
+    }
+    for (const Block& block : *resendBlocks_) {
+        if (block.spec.blockId == blockId) {
+            resendSender_->SendRange(block, first, last);
+        }
+    }
+}
+
+bool FrameCollector::WaitForFrames(size_t count, int timeoutMs) {
+    std::unique_lock lock(mutex_);
+    return delivered_.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                               [&] { return frames_.size() >= count; });
+}
+
+std::vector<ReceivedFrame> FrameCollector::Frames() {
+    std::lock_guard lock(mutex_);
+    return frames_;
+}
+
+std::vector<uint8_t> FrameCollector::Bytes(const ReceivedFrame& frame) const {
+    return std::vector<uint8_t>(frame.buffer.data, frame.buffer.data + frame.bytesFilled);
+}
+
+bool FrameCollector::GuardsIntact() {
+    std::lock_guard lock(mutex_);
+    for (const std::vector<uint8_t>& storage : storage_) {
+        const auto guard = storage.end() - static_cast<ptrdiff_t>(kGuardBytes);
+        if (std::any_of(guard, storage.end(), [](uint8_t b) { return b != kFill; })) {
+            return false;
+        }
+    }
+    return true;
+}
+
+size_t FrameCollector::FreeBuffers() {
+    std::lock_guard lock(mutex_);
+    return free_.size();
+}
+
+void FrameCollector::Give(const LentBuffer& buffer) {
+    std::lock_guard lock(mutex_);
+    free_.push_back(buffer);
+}
+
+std::vector<FrameCollector::ResendRequest> FrameCollector::Requests() {
+    std::lock_guard lock(mutex_);
+    return requests_;
+}
+
+Harness::Harness(ReceiverSettings settings, size_t buffers, size_t bufferBytes)
+    : collector(buffers, bufferBytes) {
+    ReceiverEndpoint endpoint;
+    endpoint.deviceIp = kDeviceIp;
+    endpoint.localIp = kDeviceIp;
+    endpoint.socketBufferBytes = 4u << 20;
+    std::string error;
+    receiver = FrameReceiver::Create(endpoint, settings, collector.Callbacks(), &error);
+    if (!receiver) {
+        throw std::runtime_error("cannot create the receiver: " + error);
+    }
+    device = std::make_unique<UdpSender>(kDeviceIp, receiver->LocalPort());
+    if (!receiver->Start()) {
+        throw std::runtime_error("cannot start the receiver");
+    }
+}
+
+Harness::~Harness() {
+    receiver->Stop(true, nullptr);
+}
+
+}  // namespace ry::gev::stream::testing
