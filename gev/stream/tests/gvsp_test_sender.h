@@ -22,7 +22,7 @@ struct BlockSpec {
     bool extendedIds = false;
     uint32_t width = 64;
     uint32_t height = 48;
-    uint32_t packetDataBytes = 1000;  // payload bytes per full packet
+    uint32_t packetDataBytes = 200;  // payload bytes per full packet: 16 packets by default
     uint8_t seed = 0;
     bool leaderDeclaresSize = true;  // false: an image leader whose size says nothing (0x0)
 };
