@@ -108,4 +108,85 @@ std::vector<uint8_t> Yuv422Floating(const std::vector<uint8_t>& src, uint32_t pi
     return out;
 }
 
+std::vector<uint8_t> SwapRgb(const std::vector<uint8_t>& src) {
+    std::vector<uint8_t> out;
+    for (size_t i = 0; i + 2 < src.size(); i += 3) {
+        out.insert(out.end(), {src[i + 2], src[i + 1], src[i]});
+    }
+    return out;
+}
+
+std::vector<uint8_t> Rgb12Packed(const std::vector<uint8_t>& src) {
+    std::vector<uint8_t> out;
+    for (size_t i = 0; i + 5 < src.size(); i += 6) {
+        auto sample = [&](size_t k) {
+            return uint32_t(src[i + 2 * k] | (src[i + 2 * k + 1] << 8));
+        };
+        for (size_t k : {2, 1, 0}) {
+            out.push_back(uint8_t((sample(k) >> 4) & 0xFF));
+        }
+    }
+    return out;
+}
+
+std::vector<uint8_t> Bgr10V2Packed(const std::vector<uint8_t>& src) {
+    std::vector<uint8_t> out;
+    for (size_t i = 0; i + 3 < src.size(); i += 4) {
+        const uint32_t word = uint32_t(src[i]) | uint32_t(src[i + 1]) << 8 |
+                              uint32_t(src[i + 2]) << 16 | uint32_t(src[i + 3]) << 24;
+        const uint32_t field0 = word & 0x3FF, field1 = (word >> 10) & 0x3FF,
+                       field2 = (word >> 20) & 0x3FF;
+        out.insert(out.end(), {uint8_t(field2 >> 2), uint8_t(field1 >> 2), uint8_t(field0 >> 2)});
+    }
+    return out;
+}
+
+std::vector<uint8_t> Mono8(const std::vector<uint8_t>& src) {
+    std::vector<uint8_t> out;
+    for (uint8_t v : src) {
+        out.insert(out.end(), {v, v, v});
+    }
+    return out;
+}
+
+std::vector<uint8_t> Mono16(const std::vector<uint8_t>& src, int shift) {
+    std::vector<uint8_t> out;
+    if (src.empty()) {
+        return out;
+    }
+    const size_t samples = ((src.size() - 1) >> 1) + 1;
+    for (size_t i = 0; i < samples; ++i) {
+        const uint32_t sample = ByteOrZero(src, 2 * i) | (ByteOrZero(src, 2 * i + 1) << 8);
+        const uint8_t v = uint8_t((sample >> shift) & 0xFF);
+        out.insert(out.end(), {v, v, v});
+    }
+    return out;
+}
+
+std::vector<uint8_t> MonoPackedHighBytes(const std::vector<uint8_t>& src, int repeat) {
+    std::vector<uint8_t> out;
+    if (src.empty()) {
+        return out;
+    }
+    const size_t groups = (src.size() - 1) / 3 + 1;
+    for (size_t g = 0; g < groups; ++g) {
+        out.insert(out.end(), size_t(repeat), uint8_t(ByteOrZero(src, 3 * g)));
+        out.insert(out.end(), size_t(repeat), uint8_t(ByteOrZero(src, 3 * g + 2)));
+    }
+    return out;
+}
+
+std::vector<uint16_t> UnpackMono(const std::vector<uint8_t>& src, uint64_t pixels, int lowBits) {
+    std::vector<uint16_t> out;
+    const uint32_t lowMask = (1u << lowBits) - 1;
+    for (uint64_t p = 0; p < pixels; ++p) {
+        const size_t g = size_t(p / 2) * 3;
+        const bool second = p % 2 == 1;
+        const uint32_t high = second ? src[g + 2] : src[g];
+        const uint32_t low = second ? (src[g + 1] >> 4) & lowMask : src[g + 1] & lowMask;
+        out.push_back(uint16_t((high << lowBits) | low));
+    }
+    return out;
+}
+
 }  // namespace RYSDK::imageproc::oracle

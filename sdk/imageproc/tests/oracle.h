@@ -37,4 +37,26 @@ std::vector<uint8_t> YuvGroupsInteger(const std::vector<uint8_t>& src, uint32_t 
 // Floating YUV 4:2:2 of ((pixels - 1) >> 1) + 1 groups; `uyvy` false reads Y0 U Y1 V.
 std::vector<uint8_t> Yuv422Floating(const std::vector<uint8_t>& src, uint32_t pixels, bool uyvy);
 
+// RGB8 to BGR8 over whole 3-byte pixels.
+std::vector<uint8_t> SwapRgb(const std::vector<uint8_t>& src);
+
+// Whole 6-byte pixels of little-endian R, G, B samples, (sample >> 4) & 0xFF written B, G, R.
+std::vector<uint8_t> Rgb12Packed(const std::vector<uint8_t>& src);
+
+// Whole 32-bit pixels: bits 9-2 to red, 19-12 to green, 29-22 to blue.
+std::vector<uint8_t> Bgr10V2Packed(const std::vector<uint8_t>& src);
+
+// Mono8: each byte three times.
+std::vector<uint8_t> Mono8(const std::vector<uint8_t>& src);
+
+// ((bytes - 1) >> 1) + 1 little-endian samples, (sample >> shift) & 0xFF three times.
+std::vector<uint8_t> Mono16(const std::vector<uint8_t>& src, int shift);
+
+// (bytes - 1) / 3 + 1 groups, bytes 0 and 2 of each, `repeat` times each.
+std::vector<uint8_t> MonoPackedHighBytes(const std::vector<uint8_t>& src, int repeat);
+
+// Two pixels per 3 bytes, `pixels` values: high bits in bytes 0 and 2, low bits of the
+// first pixel from bit 0 and of the second from bit 4 of byte 1.
+std::vector<uint16_t> UnpackMono(const std::vector<uint8_t>& src, uint64_t pixels, int lowBits);
+
 }  // namespace RYSDK::imageproc::oracle
