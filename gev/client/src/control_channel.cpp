@@ -1,0 +1,299 @@
+#include "ry/gev/client/control_channel.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstring>
+
+#include "ry/gev/protocol/gvcp.h"
+#include "ry/gev/protocol/gvcp_payloads.h"
+
+namespace ry::gev::client {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr uint32_t AlignDown(uint64_t value) {
+    return static_cast<uint32_t>(value & ~3ull);
+}
+
+}  // namespace
+
+GC_ERROR StatusToError(uint16_t status) {
+    switch (static_cast<GevStatus>(status)) {
+        case GevStatus::Success:
+        case GevStatus::PacketResend:
+            return GC_ERR_SUCCESS;
+        case GevStatus::NotImplemented:
+            return GC_ERR_NOT_IMPLEMENTED;
+        case GevStatus::InvalidParameter:
+            return GC_ERR_INVALID_PARAMETER;
+        case GevStatus::InvalidAddress:
+        case GevStatus::BadAlignment:
+            return GC_ERR_INVALID_ADDRESS;
+        case GevStatus::WriteProtect:
+        case GevStatus::AccessDenied:
+            return GC_ERR_ACCESS_DENIED;
+        case GevStatus::Busy:
+            return GC_ERR_RESOURCE_IN_USE;
+        default:
+            return GC_ERR_IO;
+    }
+}
+
+bool ControlChannel::Open(uint32_t localIp, uint32_t deviceIp, uint16_t devicePort,
+                          std::string* errorText) {
+    deviceIp_ = deviceIp;
+    devicePort_ = devicePort;
+    // Start somewhere other than 1 so a device that remembers the last request of a
+    // previous session does not answer a new one from its cache.
+    requestId_ = static_cast<uint16_t>(Clock::now().time_since_epoch().count() | 1);
+    return socket_.Open(localIp, 0, errorText);
+}
+
+void ControlChannel::SetBudget(RequestBudget budget) {
+    std::lock_guard lock(mutex_);
+    budget.attempts = std::max<uint32_t>(budget.attempts, 1);
+    budget.timeoutMs = std::max<uint32_t>(budget.timeoutMs, 1);
+    budget_ = budget;
+}
+
+RequestBudget ControlChannel::Budget() const {
+    std::lock_guard lock(mutex_);
+    return budget_;
+}
+
+uint16_t ControlChannel::NextRequestId() {
+    requestId_ = next_req_id(requestId_);
+    return requestId_;
+}
+
+// Caller holds mutex_. The same datagram (same request id) is sent again after each
+// per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend.
+GC_ERROR ControlChannel::Exchange(uint16_t command, std::span<const uint8_t> request,
+                                  uint16_t requestId, RequestBudget budget, Payload& answer) {
+    const auto perAttempt = std::chrono::milliseconds(
+        std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
+    const uint16_t expectedAck = ack_code_for(command);
+    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    socket_.Drain();
+    for (uint32_t attempt = 0; attempt < budget.attempts; ++attempt) {
+        if (!socket_.SendTo(deviceIp_, devicePort_, request))
+            return GC_ERR_IO;
+        auto deadline = Clock::now() + perAttempt;
+        while (Clock::now() < deadline) {
+            const auto left =
+                std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
+            const auto got = socket_.Receive(buffer, left);
+            if (!got)
+                break;
+            if (got->sourceIp != deviceIp_)
+                continue;
+            const ConstBytes datagram(buffer.data(), got->size);
+            const auto header = decode_ack_header(datagram);
+            if (!header || header->ack_id != requestId)
+                continue;
+            const auto payload = ack_payload(datagram, *header);
+            if (!payload)
+                continue;
+            if (header->acknowledge == static_cast<uint16_t>(GvcpAck::Pending)) {
+                const auto wait = decode_pending_ack(*payload);
+                deadline = Clock::now() + std::chrono::milliseconds(wait.value_or(0)) + perAttempt;
+                continue;
+            }
+            if (header->acknowledge != expectedAck)
+                continue;
+            if (is_error(header->status))
+                return StatusToError(header->status);
+            answer.assign(payload->begin(), payload->end());
+            return GC_ERR_SUCCESS;
+        }
+    }
+    return GC_ERR_TIMEOUT;
+}
+
+GC_ERROR ControlChannel::ReadRegisters(std::span<const uint32_t> addresses,
+                                       std::span<uint32_t> values) {
+    if (addresses.size() != values.size() || addresses.empty())
+        return GC_ERR_INVALID_PARAMETER;
+    for (uint32_t address : addresses)
+        if (address % 4 != 0)
+            return GC_ERR_INVALID_ADDRESS;
+    std::lock_guard lock(mutex_);
+    for (size_t done = 0; done < addresses.size();) {
+        const size_t count = std::min(addresses.size() - done, kMaxReadRegCount);
+        const std::vector<uint32_t> piece(addresses.begin() + done,
+                                          addresses.begin() + done + count);
+        const uint16_t id = NextRequestId();
+        const auto request = make_readreg_command(id, piece);
+        if (!request)
+            return GC_ERR_INVALID_PARAMETER;
+        Payload answer;
+        const GC_ERROR rc =
+            Exchange(static_cast<uint16_t>(GvcpCommand::ReadReg), *request, id, budget_, answer);
+        if (rc != GC_ERR_SUCCESS)
+            return rc;
+        const auto read = decode_readreg_ack(answer);
+        if (!read || read->size() < count)
+            return GC_ERR_IO;
+        std::copy_n(read->begin(), count, values.begin() + done);
+        done += count;
+    }
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value) {
+    return ReadRegister(address, value, Budget());
+}
+
+GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value, RequestBudget budget) {
+    if (address % 4 != 0)
+        return GC_ERR_INVALID_ADDRESS;
+    std::lock_guard lock(mutex_);
+    const uint16_t id = NextRequestId();
+    const auto request = make_readreg_command(id, {address});
+    Payload answer;
+    const GC_ERROR rc =
+        Exchange(static_cast<uint16_t>(GvcpCommand::ReadReg), *request, id, budget, answer);
+    if (rc != GC_ERR_SUCCESS)
+        return rc;
+    const auto read = decode_readreg_ack(answer);
+    if (!read || read->empty())
+        return GC_ERR_IO;
+    value = read->front();
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR ControlChannel::WriteRegisters(std::span<const RegisterPair> writes) {
+    if (writes.empty())
+        return GC_ERR_INVALID_PARAMETER;
+    for (const RegisterPair& pair : writes)
+        if (pair.address % 4 != 0)
+            return GC_ERR_INVALID_ADDRESS;
+    std::lock_guard lock(mutex_);
+    for (size_t done = 0; done < writes.size();) {
+        const size_t count = std::min(writes.size() - done, kMaxWriteRegCount);
+        std::vector<RegisterWrite> piece;
+        for (size_t i = done; i < done + count; ++i)
+            piece.push_back({writes[i].address, writes[i].value});
+        const uint16_t id = NextRequestId();
+        const auto request = make_writereg_command(id, piece);
+        if (!request)
+            return GC_ERR_INVALID_PARAMETER;
+        Payload answer;
+        const GC_ERROR rc =
+            Exchange(static_cast<uint16_t>(GvcpCommand::WriteReg), *request, id, budget_, answer);
+        if (rc != GC_ERR_SUCCESS)
+            return rc;
+        done += count;
+    }
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR ControlChannel::WriteRegister(uint32_t address, uint32_t value) {
+    const RegisterPair pair{address, value};
+    return WriteRegisters(std::span<const RegisterPair>(&pair, 1));
+}
+
+GC_ERROR ControlChannel::ReadAligned(uint32_t address, std::span<uint8_t> data) {
+    if (data.size() == 4) {
+        uint32_t value = 0;
+        const GC_ERROR rc = ReadRegister(address, value);
+        if (rc == GC_ERR_SUCCESS)
+            store_be32(data.data(), value);
+        return rc;
+    }
+    std::lock_guard lock(mutex_);
+    for (size_t done = 0; done < data.size();) {
+        const size_t count = std::min(data.size() - done, kMemoryChunk);
+        const uint32_t at = address + static_cast<uint32_t>(done);
+        const uint16_t id = NextRequestId();
+        const auto request =
+            make_readmem_command(id, ReadMemRequest{at, static_cast<uint16_t>(count)});
+        Payload answer;
+        const GC_ERROR rc =
+            Exchange(static_cast<uint16_t>(GvcpCommand::ReadMem), request, id, budget_, answer);
+        if (rc != GC_ERR_SUCCESS)
+            return rc;
+        const auto block = decode_readmem_ack(answer);
+        if (!block || block->address != at || block->data.size() < count)
+            return GC_ERR_IO;
+        std::memcpy(data.data() + done, block->data.data(), count);
+        done += count;
+    }
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR ControlChannel::WriteAligned(uint32_t address, std::span<const uint8_t> data) {
+    if (data.size() == 4)
+        return WriteRegister(address, load_be32(data.data()));
+    std::lock_guard lock(mutex_);
+    for (size_t done = 0; done < data.size();) {
+        const size_t count = std::min(data.size() - done, kMemoryChunk);
+        const uint32_t at = address + static_cast<uint32_t>(done);
+        const uint16_t id = NextRequestId();
+        const auto request = make_writemem_command(id, at, data.subspan(done, count));
+        if (!request)
+            return GC_ERR_INVALID_PARAMETER;
+        Payload answer;
+        const GC_ERROR rc =
+            Exchange(static_cast<uint16_t>(GvcpCommand::WriteMem), *request, id, budget_, answer);
+        if (rc != GC_ERR_SUCCESS)
+            return rc;
+        done += count;
+    }
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR ControlChannel::ReadMemory(uint64_t address, std::span<uint8_t> data) {
+    if (data.empty())
+        return GC_ERR_INVALID_PARAMETER;
+    if (address + data.size() > 0x100000000ull)
+        return GC_ERR_INVALID_ADDRESS;
+    const uint32_t start = AlignDown(address);
+    const uint64_t end = (address + data.size() + 3) & ~3ull;
+    if (start == address && end == address + data.size())
+        return ReadAligned(start, data);
+    std::vector<uint8_t> whole(static_cast<size_t>(end - start));
+    const GC_ERROR rc = ReadAligned(start, whole);
+    if (rc == GC_ERR_SUCCESS)
+        std::memcpy(data.data(), whole.data() + (address - start), data.size());
+    return rc;
+}
+
+GC_ERROR ControlChannel::WriteMemory(uint64_t address, std::span<const uint8_t> data) {
+    if (data.empty())
+        return GC_ERR_INVALID_PARAMETER;
+    if (address + data.size() > 0x100000000ull)
+        return GC_ERR_INVALID_ADDRESS;
+    const uint32_t start = AlignDown(address);
+    const uint64_t end = (address + data.size() + 3) & ~3ull;
+    if (start == address && end == address + data.size())
+        return WriteAligned(start, data);
+    // The device only takes whole words: keep the bytes around the caller's range as they are.
+    std::vector<uint8_t> whole(static_cast<size_t>(end - start));
+    GC_ERROR rc = ReadAligned(start, whole);
+    if (rc != GC_ERR_SUCCESS)
+        return rc;
+    std::memcpy(whole.data() + (address - start), data.data(), data.size());
+    return WriteAligned(start, whole);
+}
+
+void ControlChannel::SendPacketResend(uint16_t channel, uint64_t blockId, uint32_t first,
+                                      uint32_t last, bool extendedIds) {
+    PacketResendRequest request;
+    request.stream_channel = channel;
+    request.block_id = blockId;
+    request.first_packet_id = first;
+    request.last_packet_id = last;
+    request.extended_ids = extendedIds;
+    uint16_t id = resendId_.fetch_add(1);
+    if (id == 0)
+        id = resendId_.fetch_add(1);
+    const auto datagram = make_packetresend_command(id, request);
+    // sendto on a UDP socket is thread-safe, so the receiving thread does not wait for an
+    // application call that holds the exchange lock.
+    socket_.SendTo(deviceIp_, devicePort_, datagram);
+}
+
+}  // namespace ry::gev::client

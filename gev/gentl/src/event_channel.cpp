@@ -1,0 +1,72 @@
+#include "event_channel.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace ry::gentl {
+
+void EventChannel::Push(const EventRecord& record) {
+    {
+        std::lock_guard lock(mutex_);
+        records_.push_back(record);
+    }
+    ready_.notify_one();
+}
+
+GC_ERROR EventChannel::Wait(void* buffer, size_t* size, uint64_t timeoutMs) {
+    std::unique_lock lock(mutex_);
+    const auto ready = [this] { return killPending_ || !records_.empty(); };
+    if (timeoutMs == RY_EVENT_WAIT_FOREVER || timeoutMs == GENTL_INFINITE) {
+        ready_.wait(lock, ready);
+    } else if (!ready_.wait_for(lock, std::chrono::milliseconds(timeoutMs), ready)) {
+        return GC_ERR_TIMEOUT;
+    }
+    if (killPending_) {
+        killPending_ = false;
+        return GC_ERR_NO_DATA;
+    }
+    const EventRecord& record = records_.front();
+    if (*size < record.size) {
+        *size = record.size;
+        return GC_ERR_INSUFFICIENT_SIZE;
+    }
+    std::memcpy(buffer, record.bytes.data(), record.size);
+    *size = record.size;
+    records_.pop_front();
+    return GC_ERR_SUCCESS;
+}
+
+void EventChannel::Kill() {
+    {
+        std::lock_guard lock(mutex_);
+        killPending_ = true;
+    }
+    ready_.notify_all();
+}
+
+void EventChannel::ClearKill() {
+    std::lock_guard lock(mutex_);
+    killPending_ = false;
+}
+
+void EventChannel::Flush() {
+    std::lock_guard lock(mutex_);
+    records_.clear();
+}
+
+size_t EventChannel::RemoveIf(const std::function<bool(const EventRecord&)>& remove) {
+    std::lock_guard lock(mutex_);
+    return std::erase_if(records_, remove);
+}
+
+bool EventChannel::Contains(const std::function<bool(const EventRecord&)>& match) const {
+    std::lock_guard lock(mutex_);
+    return std::any_of(records_.begin(), records_.end(), match);
+}
+
+size_t EventChannel::Pending() const {
+    std::lock_guard lock(mutex_);
+    return records_.size();
+}
+
+}  // namespace ry::gentl

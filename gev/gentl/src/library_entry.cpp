@@ -1,0 +1,18 @@
+// libRyGenTL.so is the static transport library linked whole; this unit only gives the
+// shared object a source of its own and unloads cleanly if the application forgot GCCloseLib.
+#include "library.h"
+
+namespace {
+
+struct UnloadGuard {
+    ~UnloadGuard() {
+        ry::gentl::Library& library = ry::gentl::TheLibrary();
+        std::lock_guard lock(library.mutex);
+        if (library.initialized)
+            ry::gentl::CloseEverything();
+    }
+};
+
+const UnloadGuard unloadGuard;
+
+}  // namespace
