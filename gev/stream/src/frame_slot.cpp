@@ -25,6 +25,7 @@ void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packet
     packetBytes_ = packetBytes;
     firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
     shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = resentPackets_ = 0;
+    withdrawnPackets_ = 0;
     bytesFilled_ = 0;
     // Until the packet size is known only the leader and packet 1 (always at offset 0) fit.
     const uint32_t ids = packetBytes_ != 0 ? PacketIdsFor(buffer.size, packetBytes_) : 2;
@@ -85,6 +86,7 @@ void FrameSlot::ForgetShortPacket() {
     received_.Clear(shortPacketId_);
     bytesFilled_ -= shortPacketBytes_;
     --payloadReceived_;
+    ++withdrawnPackets_;
     shortPacketId_ = shortPacketBytes_ = 0;
 }
 

@@ -34,6 +34,8 @@ class FrameSlot {
     uint32_t PacketBytes() const { return packetBytes_; }
     bool HasOversizedPackets() const { return oversizedPackets_ != 0; }
     bool HasTrailer() const { return haveTrailer_; }
+    // Packets first taken as the short last one and dropped when later packets showed up.
+    uint32_t WithdrawnPackets() const { return withdrawnPackets_; }
 
     // Each returns true when the packet was new for this block.
     bool OnLeader(const LeaderFields& leader);
@@ -92,6 +94,7 @@ class FrameSlot {
     uint32_t shortPacketId_ = 0;  // the one packet allowed to be shorter: it must be the last
     uint32_t shortPacketBytes_ = 0;
     uint32_t oversizedPackets_ = 0;
+    uint32_t withdrawnPackets_ = 0;
     uint32_t resentPackets_ = 0;
     size_t bytesFilled_ = 0;
     PacketBitmap received_;

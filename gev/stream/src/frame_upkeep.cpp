@@ -113,6 +113,7 @@ void FrameAssembler::Close(FrameSlot& slot) {
     pending_.framesIncomplete += frame.status == FrameStatus::Complete ? 0 : 1;
     pending_.packetsMissing += frame.missingPackets;
     pending_.packetsResent += frame.resentPackets;
+    pending_.packetsRejected += slot.WithdrawnPackets();
     if (slot.HasOversizedPackets()) {
         // The device sends bigger packets than we placed by: learn the size again.
         learnedPacketBytes_ = 0;
