@@ -47,7 +47,8 @@ void UdpSocket::Close() {
     }
 }
 
-bool UdpSocket::Open(uint32_t localIp, uint16_t localPort, std::string* errorText) {
+bool UdpSocket::Open(uint32_t localIp, uint16_t localPort, std::string* errorText,
+                     bool shareAddress) {
     Close();
     fd_ = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd_ < 0) {
@@ -55,6 +56,9 @@ bool UdpSocket::Open(uint32_t localIp, uint16_t localPort, std::string* errorTex
             *errorText = std::string("socket: ") + std::strerror(errno);
         return false;
     }
+    const int on = 1;
+    if (shareAddress)
+        ::setsockopt(fd_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     const sockaddr_in address = MakeAddress(localIp, localPort);
     if (::bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         if (errorText)

@@ -26,8 +26,10 @@ class UdpSocket {
     UdpSocket(const UdpSocket&) = delete;
     UdpSocket& operator=(const UdpSocket&) = delete;
 
-    // Creates and binds; port 0 lets the kernel choose. Returns false with errorText set.
-    bool Open(uint32_t localIp, uint16_t localPort, std::string* errorText = nullptr);
+    // Creates and binds; port 0 lets the kernel choose. `shareAddress` lets several sockets
+    // bind the same address and port. Returns false with errorText set.
+    bool Open(uint32_t localIp, uint16_t localPort, std::string* errorText = nullptr,
+              bool shareAddress = false);
     bool IsOpen() const { return fd_ >= 0; }
     void Close();
 
