@@ -1,0 +1,485 @@
+#include "nodes/Node.h"
+
+#include <algorithm>
+
+#include "loader/Loader.h"
+#include "nodes/NodeMapImpl.h"
+
+namespace RyGenApi::detail {
+
+Node::Node(NodeMapImpl& map, std::string_view name, EInterfaceType principal)
+    : map_(map), name_(name), principal_(principal) {}
+
+Node::~Node() = default;
+
+std::string Node::GetName(bool fullQualified) const {
+    return fullQualified ? map_.GetDeviceName() + "::" + std::string(name_) : std::string(name_);
+}
+
+std::string Node::GetDisplayName() const {
+    return std::string(displayName_.empty() ? name_ : displayName_);
+}
+
+EVisibility Node::GetVisibility() const {
+    return Combine(visibility_, imposedVisibility_);
+}
+
+ECachingMode Node::GetCachingMode() const {
+    return IsVolatile() ? NoCache : WriteThrough;
+}
+
+void Node::GetChildren(NodeList_t& children) const {
+    children.assign(children_.begin(), children_.end());
+}
+
+void Node::GetParents(NodeList_t& parents) const {
+    parents.assign(dependents_.begin(), dependents_.end());
+}
+
+void Node::GetPropertyNames(StringList_t& names) const {
+    names.clear();
+    for (const Property& property : properties_) {
+        const std::string name(property.name);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+        }
+    }
+}
+
+bool Node::GetProperty(const std::string& name, std::string& value, std::string& attribute) const {
+    bool found = false;
+    for (const Property& property : properties_) {
+        if (property.name != name) {
+            continue;
+        }
+        // Repeated items (several pInvalidator, pFeature ...) are joined with tabs.
+        value = found ? value + "\t" + std::string(property.value) : std::string(property.value);
+        attribute = std::string(property.attribute);
+        found = true;
+    }
+    return found;
+}
+
+void Node::InvalidateNode() {
+    InvalidateWithDependents();
+}
+
+void Node::ImposeAccessMode(EAccessMode mode) {
+    runtimeImposedAccess_ = mode;
+    InvalidateWithDependents();
+}
+
+void Node::ImposeVisibility(EVisibility visibility) {
+    imposedVisibility_ = visibility;
+}
+
+INodeMap* Node::GetNodeMap() const {
+    return &map_;
+}
+
+INode::CallbackHandle Node::RegisterCallback(Callback callback) {
+    const CallbackHandle handle = nextCallback_++;
+    callbacks_.emplace(handle, std::move(callback));
+    return handle;
+}
+
+bool Node::DeregisterCallback(CallbackHandle handle) {
+    return callbacks_.erase(handle) != 0;
+}
+
+void Node::FireCallbacks() {
+    for (auto& [handle, callback] : callbacks_) {
+        callback(this);
+    }
+}
+
+// ---- access mode ---------------------------------------------------------------------
+
+EAccessMode Node::GetAccessMode() const {
+    if (cachedAccess_ != _UndefinedAccesMode) {
+        return cachedAccess_;
+    }
+    if (accessBusy_) {
+        return RW;  // a cycle through the access-mode inputs: the re-entered node counts as RW
+    }
+    accessBusy_ = true;
+    EAccessMode mode;
+    try {
+        mode = ComputeAccessMode();
+    } catch (...) {
+        accessBusy_ = false;
+        throw;
+    }
+    accessBusy_ = false;
+    if (!IsVolatile()) {
+        cachedAccess_ = mode;
+    }
+    return mode;
+}
+
+bool Node::ReadFlag(const Ref& ref, bool whenUnreadable) const {
+    try {
+        if (!IsReadable(ref.node->GetAccessMode())) {
+            return whenUnreadable;
+        }
+        return ref.node->ReadNumber(false).AsInteger(ref.name) != 0;
+    } catch (const GenericException&) {
+        return whenUnreadable;
+    }
+}
+
+EAccessMode Node::ComputeAccessMode() const {
+    if (isImplemented_ && !ReadFlag(isImplemented_, false)) {
+        return NI;
+    }
+    if (isAvailable_ && !ReadFlag(isAvailable_, false)) {
+        return NA;
+    }
+    EAccessMode mode = Combine(NaturalAccessMode(), imposedAccess_);
+    if (isLocked_ && ReadFlag(isLocked_, false)) {
+        if (mode == RW) {
+            mode = RO;
+        } else if (mode == WO) {
+            mode = NA;
+        }
+    }
+    return Combine(mode, runtimeImposedAccess_);
+}
+
+void Node::RequireReadable() const {
+    const EAccessMode mode = GetAccessMode();
+    if (!IsReadable(mode)) {
+        throw AccessException(
+            std::string(name_),
+            std::string("node is not readable (access mode ") + AccessModeName(mode) + ")");
+    }
+}
+
+void Node::RequireWritable() const {
+    const EAccessMode mode = GetAccessMode();
+    if (!IsWritable(mode)) {
+        throw AccessException(
+            std::string(name_),
+            std::string("node is not writable (access mode ") + AccessModeName(mode) + ")");
+    }
+}
+
+void Node::ThrowLogical(const std::string& message) const {
+    throw LogicalErrorException(std::string(name_), message);
+}
+
+// ---- numeric protocol defaults -------------------------------------------------------
+
+Number Node::ReadNumber(bool) {
+    ThrowLogical("node has no numeric value");
+}
+void Node::WriteNumber(Number, bool) {
+    ThrowLogical("node has no numeric value");
+}
+Number Node::MinNumber() {
+    ThrowLogical("node has no numeric range");
+}
+Number Node::MaxNumber() {
+    ThrowLogical("node has no numeric range");
+}
+Number Node::IncNumber() {
+    return Number::Integer(1);
+}
+bool Node::EntryValue(std::string_view, int64_t&) {
+    return false;
+}
+
+void Node::PrepareWrite(Number value, bool verify) {
+    RequireWritable();
+    if (verify) {
+        VerifyRange(value);
+    }
+}
+
+void Node::VerifyRange(Number value) {
+    if (value.isReal) {
+        const double minimum = MinNumber().AsReal();
+        const double maximum = MaxNumber().AsReal();
+        if (!(value.real >= minimum && value.real <= maximum)) {
+            throw OutOfRangeException(std::string(name_), "value " + std::to_string(value.real) +
+                                                              " is outside [" +
+                                                              std::to_string(minimum) + ", " +
+                                                              std::to_string(maximum) + "]");
+        }
+        return;
+    }
+    const int64_t minimum = MinNumber().AsInteger(name_);
+    const int64_t maximum = MaxNumber().AsInteger(name_);
+    if (value.integer < minimum || value.integer > maximum) {
+        throw OutOfRangeException(
+            std::string(name_), "value " + std::to_string(value.integer) + " is outside [" +
+                                    std::to_string(minimum) + ", " + std::to_string(maximum) + "]");
+    }
+    if (!HasIncrement()) {
+        return;
+    }
+    const int64_t increment = IncNumber().AsInteger(name_);
+    const uint64_t offset = static_cast<uint64_t>(value.integer) - static_cast<uint64_t>(minimum);
+    if (increment > 1 && offset % static_cast<uint64_t>(increment) != 0) {
+        throw OutOfRangeException(std::string(name_),
+                                  "value " + std::to_string(value.integer) +
+                                      " does not match the increment " + std::to_string(increment) +
+                                      " from the minimum " + std::to_string(minimum));
+    }
+}
+
+int64_t Node::IntegerForWrite(Number value) {
+    if (!value.isReal) {
+        return value.integer;
+    }
+    int64_t rounded = value.AsInteger(name_);
+    if (!HasIncrement()) {
+        return rounded;
+    }
+    const int64_t increment = IncNumber().AsInteger(name_);
+    if (increment <= 1) {
+        return rounded;
+    }
+    const int64_t minimum = MinNumber().AsInteger(name_);
+    const uint64_t offset = static_cast<uint64_t>(rounded) - static_cast<uint64_t>(minimum);
+    const auto residue = static_cast<int64_t>(offset % static_cast<uint64_t>(increment));
+    return residue * 2 > increment ? rounded + (increment - residue) : rounded - residue;
+}
+
+// ---- loading -------------------------------------------------------------------------
+
+void Node::Parse(const xml::Element& element, Loader& loader) {
+    const xml::Document& doc = loader.Doc();
+    if (doc.AttributeValue(element, "NameSpace") == "Standard") {
+        nameSpace_ = Standard;
+    }
+    for (const xml::Element* child = doc.FirstChild(element); child != nullptr;
+         child = doc.NextSibling(*child)) {
+        if (child->name == "Extension") {
+            continue;
+        }
+        const std::string_view attribute =
+            child->attributeCount > 0 ? doc.AttributeValue(*child, "Offset") : std::string_view{};
+        properties_.push_back(Property{child->name, child->text, attribute});
+        ParseItem(*child, loader);
+    }
+}
+
+void Node::ParseItem(const xml::Element& child, Loader& loader) {
+    if (!ParseCommonChild(child.name, child, loader)) {
+        ParseChild(child.name, child, loader);
+    }
+}
+
+void Node::ResetCaches() {
+    ClearCaches();
+    cachedAccess_ = _UndefinedAccesMode;
+}
+
+bool Node::ParseChild(std::string_view, const xml::Element&, Loader&) {
+    return false;
+}
+
+bool Node::ParseCommonChild(std::string_view tag, const xml::Element& child, Loader& loader) {
+    const std::string_view text = child.text;
+    if (tag == "ToolTip") {
+        toolTip_ = text;
+    } else if (tag == "Description") {
+        description_ = text;
+    } else if (tag == "DisplayName") {
+        displayName_ = text;
+    } else if (tag == "Visibility") {
+        visibility_ = ParseVisibility(text);
+    } else if (tag == "DocuURL") {
+        docuUrl_ = text;
+    } else if (tag == "IsDeprecated") {
+        deprecated_ = ParseYesNo(text);
+    } else if (tag == "EventID") {
+        eventId_ = text;
+    } else if (tag == "pIsImplemented") {
+        isImplemented_.name = text;
+    } else if (tag == "pIsAvailable") {
+        isAvailable_.name = text;
+    } else if (tag == "pIsLocked") {
+        isLocked_.name = text;
+    } else if (tag == "pBlockPolling") {
+        blockPolling_.name = text;
+    } else if (tag == "ImposedAccessMode") {
+        bool known = true;
+        imposedAccess_ = ParseAccessMode(text, known);
+        if (!known) {
+            map_.Warn("node " + std::string(name_) + ": unknown access mode '" + std::string(text) +
+                      "'");
+        }
+    } else if (tag == "pError") {
+        errors_.push_back(Ref{text});
+    } else if (tag == "pAlias") {
+        alias_.name = text;
+    } else if (tag == "pCastAlias") {
+        castAlias_.name = text;
+    } else if (tag == "pInvalidator") {
+        invalidators_.push_back(Ref{text});
+    } else if (tag == "Streamable") {
+        streamable_ = ParseYesNo(text);
+    } else if (tag == "PollingTime") {
+        pollingTime_ = loader.Integer(child, name_);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void Node::VisitReferences(const std::function<void(Ref&, RefKind)>& visit) {
+    for (Ref* ref : {&isImplemented_, &isAvailable_, &isLocked_, &blockPolling_}) {
+        if (!ref->name.empty()) {
+            visit(*ref, RefKind::Access);
+        }
+    }
+    for (Ref* ref : {&alias_, &castAlias_}) {
+        if (!ref->name.empty()) {
+            visit(*ref, RefKind::Metadata);
+        }
+    }
+    for (Ref& ref : errors_) {
+        visit(ref, RefKind::Access);
+    }
+    for (Ref& ref : invalidators_) {
+        visit(ref, RefKind::Invalidating);
+    }
+}
+
+void Node::Finish(Loader&) {}
+
+// ---- graph ---------------------------------------------------------------------------
+
+void Node::AddDependent(Node* node) {
+    if (node != this &&
+        std::find(dependents_.begin(), dependents_.end(), node) == dependents_.end()) {
+        dependents_.push_back(node);
+    }
+}
+
+void Node::AddChild(Node* node) {
+    if (std::find(children_.begin(), children_.end(), node) == children_.end()) {
+        children_.push_back(node);
+    }
+}
+
+void Node::MarkFeature() {
+    isFeature_ = true;
+}
+
+void Node::InvalidateWithDependents() {
+    const uint64_t mark = map_.NextVisitMark();
+    std::vector<Node*> pending{this};
+    std::vector<Node*> notify;
+    while (!pending.empty()) {
+        Node* node = pending.back();
+        pending.pop_back();
+        if (node->visitMark_ == mark) {
+            continue;
+        }
+        node->visitMark_ = mark;
+        node->ClearCaches();
+        node->cachedAccess_ = _UndefinedAccesMode;
+        if (!node->callbacks_.empty()) {
+            notify.push_back(node);
+        }
+        pending.insert(pending.end(), node->dependents_.begin(), node->dependents_.end());
+    }
+    for (Node* node : notify) {
+        node->FireCallbacks();
+    }
+}
+
+void Node::AdvancePolling(int64_t elapsedMilliseconds, std::vector<Node*>& expired) {
+    if (pollingTime_ < 0) {
+        return;
+    }
+    if (blockPolling_ && ReadFlag(blockPolling_, false)) {
+        return;
+    }
+    pollingElapsed_ += elapsedMilliseconds;
+    if (pollingElapsed_ >= pollingTime_) {
+        pollingElapsed_ = 0;
+        expired.push_back(this);
+    }
+}
+
+bool Node::IsVolatile() const {
+    if (volatileState_ == 0 || volatileState_ == 1) {
+        return volatileState_ == 1;
+    }
+    if (volatileState_ == 2) {
+        return false;  // cycle: decided by the node that started the walk
+    }
+    volatileState_ = 2;
+    bool result = IsVolatileSelf();
+    for (const Node* child : children_) {
+        if (result) {
+            break;
+        }
+        result = child->IsVolatile();
+    }
+    volatileState_ = result ? 1 : 0;
+    return result;
+}
+
+// ---- keyword tables ------------------------------------------------------------------
+
+EAccessMode ParseAccessMode(std::string_view text, bool& known) {
+    known = true;
+    if (text == "RW") {
+        return RW;
+    }
+    if (text == "RO") {
+        return RO;
+    }
+    if (text == "WO") {
+        return WO;
+    }
+    known = false;
+    return RO;
+}
+
+EVisibility ParseVisibility(std::string_view text) {
+    if (text == "Expert") {
+        return Expert;
+    }
+    if (text == "Guru") {
+        return Guru;
+    }
+    if (text == "Invisible") {
+        return Invisible;
+    }
+    return Beginner;
+}
+
+ECachingMode ParseCachingMode(std::string_view text) {
+    if (text == "NoCache") {
+        return NoCache;
+    }
+    if (text == "WriteAround") {
+        return WriteAround;
+    }
+    return WriteThrough;
+}
+
+ERepresentation ParseRepresentation(std::string_view text) {
+    static constexpr std::pair<std::string_view, ERepresentation> kTable[] = {
+        {"Linear", Linear},         {"Logarithmic", Logarithmic}, {"Boolean", Boolean},
+        {"PureNumber", PureNumber}, {"HexNumber", HexNumber},     {"IPV4Address", IPV4Address},
+        {"MACAddress", MACAddress}};
+    for (const auto& [name, value] : kTable) {
+        if (text == name) {
+            return value;
+        }
+    }
+    return PureNumber;
+}
+
+bool ParseYesNo(std::string_view text) {
+    return text == "Yes";
+}
+
+}  // namespace RyGenApi::detail

@@ -1,0 +1,162 @@
+// Nodes that live in device registers: the shared register block (address terms, length,
+// port, access, caching) and the kinds that interpret its bytes.
+#pragma once
+
+#include <memory>
+
+#include "nodes/Facades.h"
+
+namespace RyGenApi::detail {
+
+class PortNode;
+
+// Bytes of the last register read. Entries of one StructReg share one instance.
+struct RegisterCache {
+    bool valid = false;
+    int64_t address = 0;
+    std::vector<uint8_t> bytes;
+};
+
+class RegisterNode : public Node, public virtual IRegister {
+  public:
+    RegisterNode(NodeMapImpl& map, std::string_view name, EInterfaceType principal);
+
+    // IRegister
+    INode* GetNode() override { return this; }
+    std::string ToString(bool verify, bool ignoreCache) override;
+    void FromString(const std::string& text, bool verify) override;
+    bool IsValueCacheValid() const override { return cache_->valid; }
+    void Set(const uint8_t* buffer, int64_t length, bool verify) override;
+    void Get(uint8_t* buffer, int64_t length, bool verify, bool ignoreCache) override;
+    int64_t GetLength() override;
+    int64_t GetAddress() override;
+    ECachingMode GetCachingMode() const override { return cachingMode_; }
+
+    void VisitReferences(const std::function<void(Ref&, RefKind)>& visit) override;
+    void Finish(Loader& loader) override;
+    // Parses the register items of another element (a StructReg shared by its entries).
+    void ParseRegisterBlock(const xml::Element& element, Loader& loader);
+    void ShareCache(std::shared_ptr<RegisterCache> cache) { cache_ = std::move(cache); }
+
+  protected:
+    bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
+    EAccessMode NaturalAccessMode() const override;
+    void ClearCaches() override { cache_->valid = false; }
+    bool IsVolatileSelf() const override;
+
+    // Reads the whole register (through the cache when allowed) into `bytes`.
+    void ReadRegister(std::vector<uint8_t>& bytes, bool ignoreCache);
+    void WriteRegister(const std::vector<uint8_t>& bytes);
+    // Register value assembled from up to 8 bytes in the register's byte order.
+    uint64_t Assemble(const std::vector<uint8_t>& bytes) const;
+    std::vector<uint8_t> Disassemble(uint64_t value, size_t length) const;
+    int64_t FixedLength() const { return length_; }
+
+    bool bigEndian_ = false;
+    bool signed_ = false;
+
+  private:
+    struct IndexTerm {
+        Ref index;
+        Ref offsetRef;
+        int64_t offset = 0;
+        bool hasOffset = false;
+    };
+
+    int64_t address_ = 0;
+    std::vector<Ref> addressRefs_;
+    std::vector<IndexTerm> indexes_;
+    int64_t length_ = 4;
+    bool hasLength_ = false;
+    Ref lengthRef_;
+    EAccessMode accessMode_ = RO;
+    ECachingMode cachingMode_ = WriteThrough;
+    Ref port_;
+    PortNode* portNode_ = nullptr;
+    std::shared_ptr<RegisterCache> cache_ = std::make_shared<RegisterCache>();
+};
+
+class IntRegNode : public RegisterNode {
+  public:
+    IntRegNode(NodeMapImpl& map, std::string_view name) : RegisterNode(map, name, intfIInteger) {}
+    Number ReadNumber(bool ignoreCache) override;
+    void WriteNumber(Number value, bool verify) override;
+    Number MinNumber() override;
+    Number MaxNumber() override;
+    ERepresentation RepresentationValue() override { return representation_; }
+    std::string UnitValue() override { return std::string(unit_); }
+
+  protected:
+    bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
+    ERepresentation representation_ = PureNumber;
+    std::string_view unit_;
+    std::vector<Ref> selected_;
+
+  public:
+    void VisitReferences(const std::function<void(Ref&, RefKind)>& visit) override;
+};
+
+// MaskedIntReg and StructEntry: a bit field of one register.
+class MaskedIntRegNode : public IntRegNode {
+  public:
+    using IntRegNode::IntRegNode;
+    Number ReadNumber(bool ignoreCache) override;
+    void WriteNumber(Number value, bool verify) override;
+    Number MinNumber() override;
+    Number MaxNumber() override;
+    void Finish(Loader& loader) override;
+
+  protected:
+    bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
+
+  private:
+    int Width() const { return high_ - low_ + 1; }
+    int64_t lsb_ = -1;
+    int64_t msb_ = -1;
+    int low_ = 0;
+    int high_ = 31;
+    bool fieldValid_ = false;
+};
+
+class FloatRegNode : public RegisterNode {
+  public:
+    FloatRegNode(NodeMapImpl& map, std::string_view name) : RegisterNode(map, name, intfIFloat) {}
+    Number ReadNumber(bool ignoreCache) override;
+    void WriteNumber(Number value, bool verify) override;
+    Number MinNumber() override;
+    Number MaxNumber() override;
+    bool HasIncrement() override { return false; }
+    ERepresentation RepresentationValue() override { return representation_; }
+    std::string UnitValue() override { return std::string(unit_); }
+    EDisplayNotation NotationValue() override { return notation_; }
+    int64_t PrecisionValue() override { return precision_; }
+
+  protected:
+    bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
+
+  private:
+    void RequireValidLength();
+    ERepresentation representation_ = PureNumber;
+    std::string_view unit_;
+    EDisplayNotation notation_ = fnAutomatic;
+    int64_t precision_ = 6;
+};
+
+class StringRegNode : public RegisterNode, public virtual IString {
+  public:
+    StringRegNode(NodeMapImpl& map, std::string_view name) : RegisterNode(map, name, intfIString) {}
+    INode* GetNode() override { return this; }
+    std::string ToString(bool verify, bool ignoreCache) override {
+        return GetValue(verify, ignoreCache);
+    }
+    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
+    void SetValue(const std::string& value, bool verify) override;
+    std::string GetValue(bool verify, bool ignoreCache) override;
+    int64_t GetMaxLength() override { return GetLength(); }
+};
+
+using IntRegFacade = IntegerFacade<IntRegNode>;
+using MaskedIntRegFacade = IntegerFacade<MaskedIntRegNode>;
+using FloatRegFacade = FloatFacade<FloatRegNode>;
+
+}  // namespace RyGenApi::detail
