@@ -8,64 +8,35 @@ namespace RYSDK {
 using imageproc::BayerPhase;
 using imageproc::BestSimdLevel;
 
-void RyImageProcess::ConvertBAYGB8ToBGR8(const uint8_t* src, uint8_t* dst, uint32_t width,
-                                         uint32_t height) {
-    imageproc::DemosaicBytes(src, dst, width, height, BayerPhase::GB, BestSimdLevel());
-}
+#define RY_BAYER_BYTES(name, phase)                                                                \
+    void RyImageProcess::name(const uint8_t* src, uint8_t* dst, uint32_t width, uint32_t height) { \
+        imageproc::DemosaicBytes(src, dst, width, height, BayerPhase::phase, BestSimdLevel());     \
+    }
 
-void RyImageProcess::ConvertBAYRG8ToBGR8(const uint8_t* src, uint8_t* dst, uint32_t width,
-                                         uint32_t height) {
-    imageproc::DemosaicBytes(src, dst, width, height, BayerPhase::RG, BestSimdLevel());
-}
+#define RY_BAYER_REDUCED(name, shift, phase)                                          \
+    void RyImageProcess::name(const uint16_t* src, uint8_t* dst, uint32_t width,      \
+                              uint32_t height) {                                      \
+        imageproc::DemosaicReduced(src, dst, width, height, shift, BayerPhase::phase, \
+                                   BestSimdLevel());                                  \
+    }
 
-void RyImageProcess::ConvertBAYGR8ToBGR8(const uint8_t* src, uint8_t* dst, uint32_t width,
-                                         uint32_t height) {
-    imageproc::DemosaicBytes(src, dst, width, height, BayerPhase::GR, BestSimdLevel());
-}
+#define RY_BAYER_WORDS(name, phase)                                                            \
+    void RyImageProcess::name(const uint16_t* src, uint16_t* dst, uint32_t width,              \
+                              uint32_t height) {                                               \
+        imageproc::DemosaicWords(src, dst, width, height, BayerPhase::phase, BestSimdLevel()); \
+    }
 
-void RyImageProcess::ConvertBAYGB10ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 2, BayerPhase::GB, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYRG10ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 2, BayerPhase::RG, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYGR10ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 2, BayerPhase::GR, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYGB10ToBGR10(const uint16_t* src, uint16_t* dst, uint32_t width,
-                                           uint32_t height) {
-    imageproc::DemosaicWords(src, dst, width, height, BayerPhase::GB, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYRG10ToBGR10(const uint16_t* src, uint16_t* dst, uint32_t width,
-                                           uint32_t height) {
-    imageproc::DemosaicWords(src, dst, width, height, BayerPhase::RG, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYGR10ToBGR10(const uint16_t* src, uint16_t* dst, uint32_t width,
-                                           uint32_t height) {
-    imageproc::DemosaicWords(src, dst, width, height, BayerPhase::GR, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYGB12ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 4, BayerPhase::GB, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYRG12ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 4, BayerPhase::RG, BestSimdLevel());
-}
-
-void RyImageProcess::ConvertBAYGR12ToBGR8(const uint16_t* src, uint8_t* dst, uint32_t width,
-                                          uint32_t height) {
-    imageproc::DemosaicReduced(src, dst, width, height, 4, BayerPhase::GR, BestSimdLevel());
-}
+RY_BAYER_BYTES(ConvertBAYGB8ToBGR8, GB)
+RY_BAYER_BYTES(ConvertBAYRG8ToBGR8, RG)
+RY_BAYER_BYTES(ConvertBAYGR8ToBGR8, GR)
+RY_BAYER_REDUCED(ConvertBAYGB10ToBGR8, 2, GB)
+RY_BAYER_REDUCED(ConvertBAYRG10ToBGR8, 2, RG)
+RY_BAYER_REDUCED(ConvertBAYGR10ToBGR8, 2, GR)
+RY_BAYER_WORDS(ConvertBAYGB10ToBGR10, GB)
+RY_BAYER_WORDS(ConvertBAYRG10ToBGR10, RG)
+RY_BAYER_WORDS(ConvertBAYGR10ToBGR10, GR)
+RY_BAYER_REDUCED(ConvertBAYGB12ToBGR8, 4, GB)
+RY_BAYER_REDUCED(ConvertBAYRG12ToBGR8, 4, RG)
+RY_BAYER_REDUCED(ConvertBAYGR12ToBGR8, 4, GR)
 
 }  // namespace RYSDK
