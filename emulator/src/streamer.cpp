@@ -137,7 +137,17 @@ void Streamer::run() {
         if (!wait_for_frame(lock, due)) {
             continue;
         }
+        // The camera reads as idle as soon as the last frame goes out, so a host that
+        // reconfigures right after the trailer is not refused.
+        const bool last_frame = frames_left_ == 1;
+        if (last_frame) {
+            frames_left_ = 0;
+            acquiring_ = false;
+        }
         send_block(lock);
+        if (last_frame) {
+            events_(kEventAcquisitionEnd, last_block_id_);
+        }
         if (plan_.fps > 0) {
             const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                 std::chrono::duration<double>(1.0 / plan_.fps));
@@ -148,8 +158,8 @@ void Streamer::run() {
             std::this_thread::yield();
             lock.lock();
         }
-        if (acquiring_ && frames_left_ > 0 && --frames_left_ == 0) {
-            finish_acquisition();
+        if (acquiring_ && frames_left_ > 1) {
+            --frames_left_;
         }
     }
 }
