@@ -25,6 +25,9 @@ const CameraConfig& Camera::config() const {
 std::string Camera::address() const {
     return format_ipv4(device_->current_ip());
 }
+std::uint16_t Camera::control_port() const {
+    return device_->control_port();
+}
 std::uint16_t Camera::stream_source_port() const {
     return device_->stream_source_port();
 }

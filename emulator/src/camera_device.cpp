@@ -61,6 +61,7 @@ CameraDevice::CameraDevice(CameraConfig config)
     if (config_.answer_broadcasts && !config_.bind_any) {
         broadcast_ = UdpSocket(Endpoint{0xFFFFFFFF, config_.gvcp_port}, true);
     }
+    control_port_ = control_.local_port();
     messages_ = std::make_unique<MessageChannel>(ip);
     streamer_ = std::make_unique<Streamer>(
         ip, config_.resend_window_blocks, counters_,

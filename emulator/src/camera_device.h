@@ -63,6 +63,7 @@ class CameraDevice {
     const CameraConfig& config() const { return config_; }
     std::uint32_t current_ip() const;
     std::uint16_t stream_source_port() const { return streamer_->source_port(); }
+    std::uint16_t control_port() const { return control_port_; }
     void set_faults(const FaultConfig& faults);
     FaultConfig faults() const;
     void fire_external_trigger();
@@ -137,6 +138,7 @@ class CameraDevice {
     std::unique_ptr<MessageChannel> messages_;
     std::unique_ptr<Streamer> streamer_;
     UdpSocket control_;
+    std::uint16_t control_port_ = 0;
     UdpSocket broadcast_;
     std::atomic<bool> quit_{false};
     std::thread server_;

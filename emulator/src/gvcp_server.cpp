@@ -243,7 +243,7 @@ void CameraDevice::on_forceip(const gev::GvcpCommandHeader& h, gev::ConstBytes p
     if (!config_.bind_any) {
         // The control socket moves to the new address; a wildcard socket already has it.
         try {
-            control_ = UdpSocket(Endpoint{request->ip, config_.gvcp_port}, false);
+            control_ = UdpSocket(Endpoint{request->ip, control_port_}, false);
         } catch (const std::exception&) {
             control_.send_to(from, error_ack(GevStatus::Error, h));
             return;

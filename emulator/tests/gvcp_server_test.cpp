@@ -12,8 +12,7 @@ constexpr auto kDenied = static_cast<std::uint16_t>(GevStatus::AccessDenied);
 
 class GvcpServer : public ::testing::Test {
   protected:
-    GvcpServer()
-        : camera_(test_camera(1)), client_(camera_.address(), camera_.config().gvcp_port) {}
+    GvcpServer() : camera_(test_camera(1)), client_(camera_.address(), camera_.control_port()) {}
     Camera camera_;
     TestClient client_;
 };
@@ -130,7 +129,7 @@ TEST(GvcpPending, SlowAcquisitionStartAnnouncesPendingAck) {
     CameraConfig config = test_camera(2);
     config.pending_operation_ms = 700;
     Camera camera(config);
-    TestClient client(camera.address(), config.gvcp_port);
+    TestClient client(camera.address(), camera.control_port());
     ASSERT_EQ(client.take_control(), 0);
     ASSERT_EQ(client.write_reg(0x0954, 0x2), 0);  // enable PENDING_ACK
     const std::uint16_t id = client.next_id();
@@ -144,7 +143,7 @@ TEST(GvcpPending, SlowAcquisitionStartAnnouncesPendingAck) {
 
 TEST(GvcpForceIp, MovesTheCameraWhenTheMacMatches) {
     Camera camera(test_camera(3));
-    TestClient client(camera.address(), camera.config().gvcp_port);
+    TestClient client(camera.address(), camera.control_port());
     const auto discovery = client.transact(gev::make_discovery_command(1, false), 1);
     ASSERT_TRUE(discovery);
     const auto info = *gev::decode_device_info(discovery->payload);
@@ -157,7 +156,7 @@ TEST(GvcpForceIp, MovesTheCameraWhenTheMacMatches) {
     ASSERT_TRUE(ack);
     EXPECT_EQ(ack->header.acknowledge, 0x0005);
     EXPECT_EQ(camera.address(), "127.0.0.40");
-    TestClient moved("127.0.0.40", camera.config().gvcp_port);
+    TestClient moved("127.0.0.40", camera.control_port());
     EXPECT_EQ(moved.read_reg(0x0024), *parse_ipv4("127.0.0.40"));
 }
 

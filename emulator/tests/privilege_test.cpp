@@ -16,8 +16,8 @@ class Privilege : public ::testing::Test {
   protected:
     Privilege()
         : camera_(test_camera(4)),
-          primary_(camera_.address(), camera_.config().gvcp_port),
-          other_(camera_.address(), camera_.config().gvcp_port) {}
+          primary_(camera_.address(), camera_.control_port()),
+          other_(camera_.address(), camera_.control_port()) {}
     Camera camera_;
     TestClient primary_;
     TestClient other_;

@@ -16,7 +16,7 @@ namespace pf = gev::pixel_format;
 class Stream : public ::testing::Test {
   protected:
     explicit Stream(CameraConfig config = test_camera(5))
-        : camera_(config), client_(camera_.address(), camera_.config().gvcp_port) {
+        : camera_(config), client_(camera_.address(), camera_.control_port()) {
         EXPECT_EQ(client_.take_control(), 0);
     }
     void start(std::uint32_t mode, std::uint32_t frames = 1) {

@@ -175,7 +175,7 @@ std::vector<std::uint8_t> assemble(const std::vector<GvspPacket>& packets, std::
 CameraConfig test_camera(int index) {
     CameraConfig config;
     config.address = "127.0.0." + std::to_string(10 + index);
-    config.gvcp_port = static_cast<std::uint16_t>(23956 + index);
+    config.gvcp_port = 0;  // a free port, so that test processes may run side by side
     config.answer_broadcasts = false;
     config.serial = "TEST" + std::to_string(index);
     config.width = 64;

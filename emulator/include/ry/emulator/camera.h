@@ -21,7 +21,8 @@ class Camera {
     Camera& operator=(const Camera&) = delete;
 
     const CameraConfig& config() const;
-    std::string address() const;  // the current IPv4 address (FORCEIP may change it)
+    std::string address() const;         // the current IPv4 address (FORCEIP may change it)
+    std::uint16_t control_port() const;  // 3956 unless the configuration chose another
     std::uint16_t stream_source_port() const;
 
     // Faults can be changed while the camera runs.

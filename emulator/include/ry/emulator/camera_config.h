@@ -36,7 +36,7 @@ struct CameraConfig {
     double fps = 30.0;  // 0: as fast as possible
     XmlForm xml_form = XmlForm::Zip;
     bool trigger_entry_ext = false;  // name the external trigger entry "Ext" instead of "External"
-    std::uint16_t gvcp_port = 3956;  // tests may move the control port
+    std::uint16_t gvcp_port = 3956;  // tests may move the control port (0: any free port)
     bool answer_broadcasts = true;   // also listen on 255.255.255.255:port for discovery
     std::uint32_t resend_window_blocks = 64;  // blocks kept for packet resend
     std::uint32_t pending_operation_ms = 0;   // time AcquisitionStart and file writes take
