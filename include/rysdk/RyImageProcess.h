@@ -69,13 +69,14 @@ class RYSDK_API RyImageProcess {
     static void ConvertYUV411toBGR8(const uint8_t* src, uint32_t bytes, uint8_t* dst);
     static void ConvertYUV444toBGR8(const uint8_t* src, uint32_t bytes, uint8_t* dst);
 
-    // Interlaced 4:2:2 (U Y0 V Y1) frame delivered as two fields one after the other: the
-    // first field holds ceil(height / 2) lines, the second the rest, each line `linePitch`
-    // bytes long (at least 2 x width rounded up to whole groups). The fields are woven into
-    // `height` output lines of `width` BGR8 pixels with the integer arithmetic above;
-    // `topFieldFirst` non-zero puts the first field on the even output lines (0, 2, ...),
-    // zero puts it on the odd ones. Output lines whose source line is not wholly inside
-    // `bytes` are left untouched; a pitch too short for the width converts nothing.
+    // Interlaced 4:2:2 (U Y0 V Y1) frame delivered as two fields one after the other, each
+    // line `linePitch` bytes long (at least 2 x width rounded up to whole groups). The top
+    // field holds the even output lines (0, 2, ...: ceil(height / 2) lines), the bottom field
+    // the odd ones; `topFieldFirst` non-zero means the top field comes first in the source,
+    // zero that the bottom field does. The fields are woven into `height` lines of `width`
+    // BGR8 pixels with the integer arithmetic above (an odd width takes its last pixel from
+    // Y0 of a final group). Output lines whose source line is not wholly inside `bytes` are
+    // left untouched; a pitch too short for the width converts nothing.
     static void ConvertYUV422toBGR8Interlaced(const uint8_t* src, uint32_t bytes, uint8_t* dst,
                                               int topFieldFirst, uint32_t width, uint32_t height,
                                               uint32_t linePitch);

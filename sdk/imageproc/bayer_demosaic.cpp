@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstddef>
 #include <initializer_list>
+#include <type_traits>
 
 #include "imageproc/bayer_avx2.h"
 
@@ -89,11 +90,44 @@ void DemosaicSpan(const typename Reader::In* up, const typename Reader::In* row,
     }
 }
 
-// Runs the rows in output order. `inner` handles columns 1 to width - 2 of rows with both
-// neighbours and returns how many it did (0 hands them back to the scalar path).
-template <class Reader, class Out, class InnerKernel>
+// Inner columns of a row with rows above and below: every neighbour exists, so the counts
+// are fixed (two across, two vertical, four diagonal) and no neighbour needs a test.
+template <class Reader, class Out>
+uint32_t DemosaicInnerScalar(const typename Reader::In* up, const typename Reader::In* row,
+                             const typename Reader::In* down, Out* out, uint32_t width,
+                             BayerRowLayout layout) {
+    for (uint32_t x = 1; x + 1 < width; ++x) {
+        const uint32_t own = Reader::Read(row, x);
+        const uint32_t across = Reader::Read(row, x - 1) + Reader::Read(row, x + 1);
+        const uint32_t vertical = Reader::Read(up, x) + Reader::Read(down, x);
+        const bool green = ((x & 1u) == 0) == layout.greenAtEvenColumns;
+        uint32_t rowColour = own, otherColour = vertical >> 1, greenValue = own;
+        if (green) {
+            rowColour = across >> 1;
+        } else {
+            greenValue = (across + vertical) >> 2;
+            otherColour = (Reader::Read(up, x - 1) + Reader::Read(up, x + 1) +
+                           Reader::Read(down, x - 1) + Reader::Read(down, x + 1)) >>
+                          2;
+        }
+        Out* pixel = out + 3 * size_t{x};
+        pixel[0] = static_cast<Out>(layout.rowColourIsBlue ? rowColour : otherColour);
+        pixel[1] = static_cast<Out>(greenValue);
+        pixel[2] = static_cast<Out>(layout.rowColourIsBlue ? otherColour : rowColour);
+    }
+    return width > 2 ? width - 2 : 0;
+}
+
+template <class In, class Out>
+using VectorInner = uint32_t (*)(const In*, const In*, const In*, Out*, uint32_t, BayerRowLayout);
+
+// Runs the rows in output order. Rows with both neighbours take their inner columns from
+// the vector kernel when there is one and the row is wide enough for it, else from the
+// scalar inner loop; the border pixels go through the per-neighbour path.
+template <class Reader, class Out>
 void DemosaicImage(const typename Reader::In* src, Out* dst, uint32_t width, uint32_t height,
-                   BayerPhase phase, InnerKernel inner) {
+                   BayerPhase phase,
+                   std::type_identity_t<VectorInner<typename Reader::In, Out>> vector) {
     for (uint32_t y = 0; y < height; ++y) {
         const typename Reader::In* row = src + size_t{y} * width;
         const typename Reader::In* up = y > 0 ? row - width : nullptr;
@@ -102,7 +136,10 @@ void DemosaicImage(const typename Reader::In* src, Out* dst, uint32_t width, uin
         const BayerRowLayout layout = LayoutOfRow(phase, y);
         uint32_t done = 0;
         if (up != nullptr && down != nullptr) {
-            done = inner(up, row, down, out, width, layout);
+            done = vector != nullptr ? vector(up, row, down, out, width, layout) : 0;
+            if (done == 0) {
+                done = DemosaicInnerScalar<Reader, Out>(up, row, down, out, width, layout);
+            }
         }
         if (done == 0) {
             DemosaicSpan<Reader, Out>(up, row, down, out, 0, width, width, layout);
@@ -111,11 +148,6 @@ void DemosaicImage(const typename Reader::In* src, Out* dst, uint32_t width, uin
             DemosaicSpan<Reader, Out>(up, row, down, out, width - 1, width, width, layout);
         }
     }
-}
-
-template <class In, class Out>
-uint32_t NoInnerKernel(const In*, const In*, const In*, Out*, uint32_t, BayerRowLayout) {
-    return 0;
 }
 
 bool ShouldConvert(const void* src, const void* dst, uint32_t width, uint32_t height) {
@@ -130,8 +162,7 @@ void DemosaicReducedBy(const uint16_t* src, uint8_t* dst, uint32_t width, uint32
         DemosaicImage<ReadReduced<Shift>>(src, dst, width, height, phase,
                                           avx2::DemosaicInnerReduced<Shift>);
     } else {
-        DemosaicImage<ReadReduced<Shift>>(src, dst, width, height, phase,
-                                          NoInnerKernel<uint16_t, uint8_t>);
+        DemosaicImage<ReadReduced<Shift>>(src, dst, width, height, phase, nullptr);
     }
 }
 
@@ -149,7 +180,7 @@ void DemosaicBytes(const uint8_t* src, uint8_t* dst, uint32_t width, uint32_t he
     if (UsableSimdLevel(level) == SimdLevel::Avx2) {
         DemosaicImage<ReadBytes>(src, dst, width, height, phase, avx2::DemosaicInnerBytes);
     } else {
-        DemosaicImage<ReadBytes>(src, dst, width, height, phase, NoInnerKernel<uint8_t, uint8_t>);
+        DemosaicImage<ReadBytes>(src, dst, width, height, phase, nullptr);
     }
 }
 
@@ -173,7 +204,7 @@ void DemosaicWords(const uint16_t* src, uint16_t* dst, uint32_t width, uint32_t 
     if (UsableSimdLevel(level) == SimdLevel::Avx2) {
         DemosaicImage<ReadWords>(src, dst, width, height, phase, avx2::DemosaicInnerWords);
     } else {
-        DemosaicImage<ReadWords>(src, dst, width, height, phase, NoInnerKernel<uint16_t, uint16_t>);
+        DemosaicImage<ReadWords>(src, dst, width, height, phase, nullptr);
     }
 }
 
