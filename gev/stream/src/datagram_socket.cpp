@@ -82,27 +82,6 @@ DatagramSocket DatagramSocket::Open(uint32_t ip, uint16_t port, size_t receiveBu
     return socket;
 }
 
-ReceiveBatch::ReceiveBatch(size_t messages)
-    : storage_(messages * kSlotBytes), vectors_(messages), sources_(messages), headers_(messages) {
-    for (size_t i = 0; i < messages; ++i) {
-        vectors_[i].iov_base = storage_.data() + i * kSlotBytes;
-        vectors_[i].iov_len = kSlotBytes;
-        headers_[i].msg_hdr.msg_iov = &vectors_[i];
-        headers_[i].msg_hdr.msg_iovlen = 1;
-        headers_[i].msg_hdr.msg_name = &sources_[i];
-    }
-}
-
-size_t ReceiveBatch::ReceiveFrom(int fd) {
-    for (size_t i = 0; i < headers_.size(); ++i) {
-        headers_[i].msg_hdr.msg_namelen = sizeof(sockaddr_in);
-        headers_[i].msg_hdr.msg_flags = 0;
-    }
-    const int received = ::recvmmsg(fd, headers_.data(), static_cast<unsigned>(headers_.size()),
-                                    MSG_DONTWAIT, nullptr);
-    return received > 0 ? static_cast<size_t>(received) : 0;
-}
-
 WakeEvent::WakeEvent() : fd_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
 void WakeEvent::Signal() {

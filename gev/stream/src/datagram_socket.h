@@ -1,5 +1,5 @@
-// The receiving side's system handles: the UDP socket, a batch of receive slots filled by one
-// recvmmsg call, and an eventfd that wakes the receiving thread when it must stop.
+// The receiving side's system handles: the UDP socket and an eventfd that wakes the receiving
+// thread when it must stop.
 #pragma once
 
 #include <netinet/in.h>
@@ -7,9 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace ry::gev::stream::detail {
 
@@ -50,31 +48,6 @@ class DatagramSocket {
     uint32_t ip_ = 0;
     uint16_t port_ = 0;
     size_t receiveBufferBytes_ = 0;
-};
-
-// Receive slots for one recvmmsg call, allocated once. Each slot is large enough for any UDP
-// datagram, so a cut-off datagram can only come from a sender lying about its length.
-class ReceiveBatch {
-  public:
-    static constexpr size_t kDefaultMessages = 64;
-    static constexpr size_t kSlotBytes = 65536;
-
-    explicit ReceiveBatch(size_t messages = kDefaultMessages);
-
-    // Drains up to Capacity() waiting datagrams without blocking; returns how many arrived.
-    size_t ReceiveFrom(int fd);
-
-    size_t Capacity() const { return headers_.size(); }
-    const uint8_t* Data(size_t i) const { return storage_.data() + i * kSlotBytes; }
-    size_t Size(size_t i) const { return headers_[i].msg_len; }
-    bool Truncated(size_t i) const { return (headers_[i].msg_hdr.msg_flags & MSG_TRUNC) != 0; }
-    uint32_t SourceIp(size_t i) const { return ntohl(sources_[i].sin_addr.s_addr); }
-
-  private:
-    std::vector<uint8_t> storage_;
-    std::vector<iovec> vectors_;
-    std::vector<sockaddr_in> sources_;
-    std::vector<mmsghdr> headers_;
 };
 
 // Wakes a thread sleeping in poll; Signal may be called from any thread.

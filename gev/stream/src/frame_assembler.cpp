@@ -114,11 +114,27 @@ FrameSlot* FrameAssembler::OpenBlock(const GvspPacket& packet, TimePoint now) {
     return &slot;
 }
 
-void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now) {
+size_t FrameAssembler::PlanPlacements(PlacementHint* out, size_t max) const {
+    if (lastSlot_ == nullptr || !lastSlot_->Active()) {
+        return 0;
+    }
+    return lastSlot_->PlanPlacements(extendedIds_, out, max);
+}
+
+bool FrameAssembler::HasOpenFrame() const {
+    return std::any_of(slots_.begin(), slots_.end(),
+                       [](const FrameSlot& slot) { return slot.Active(); });
+}
+
+void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now,
+                                const uint8_t* dataInPlace) {
     GvspPacket packet;
     if (!DecodeGvspHeader(bytes, size, packet) || (!packet.extendedId && packet.blockId == 0)) {
         ++pending_.packetsRejected;
         return;
+    }
+    if (dataInPlace != nullptr) {
+        packet.data = dataInPlace;
     }
     const bool knownFormat = packet.format >= static_cast<uint8_t>(PacketFormat::Leader) &&
                              packet.format <= static_cast<uint8_t>(PacketFormat::GenericPayload);

@@ -25,7 +25,13 @@ class FrameAssembler {
     void Configure(const ReceiverSettings& settings);
     void Reset();
 
-    void OnDatagram(const uint8_t* bytes, size_t size, TimePoint now);
+    // `dataInPlace`, when set, is where the packet's data already sit (see ReceiveBatch);
+    // `bytes` then holds the header.
+    void OnDatagram(const uint8_t* bytes, size_t size, TimePoint now,
+                    const uint8_t* dataInPlace = nullptr);
+    // Hints for the next batch: the packets the block being received still lacks.
+    size_t PlanPlacements(PlacementHint* out, size_t max) const;
+    bool HasOpenFrame() const;
     // A datagram longer than the receive slot: its tail is lost, so none of it is used.
     void OnTruncatedDatagram() { ++pending_.packetsRejected; }
     void OnForeignDatagram() { ++pending_.packetsIgnored; }

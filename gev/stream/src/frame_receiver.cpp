@@ -1,13 +1,17 @@
 #include "ry/gev/stream/frame_receiver.h"
 
 #include <poll.h>
+#include <sys/prctl.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <mutex>
 #include <thread>
 
 #include "datagram_socket.h"
 #include "frame_assembler.h"
+#include "receive_batch.h"
 #include "shared_counters.h"
 
 namespace ry::gev::stream {
@@ -18,6 +22,8 @@ using detail::Clock;
 
 // Longest sleep of an idle receiving thread; Stop wakes it at once through the event.
 constexpr int kIdlePollMs = 200;
+constexpr auto kCoalescingNap = std::chrono::microseconds(100);
+constexpr unsigned long kTimerSlackNs = 10'000;
 
 class FrameReceiverImpl final : public FrameReceiver {
   public:
@@ -57,6 +63,7 @@ class FrameReceiverImpl final : public FrameReceiver {
     void ReloadSettingsIfChanged(uint64_t& seenGeneration);
     bool WaitForPackets(int timeoutMs);
     void HandleBatch(size_t count);
+    size_t BatchSizeWanted();
 
     const ReceiverEndpoint endpoint_;
     mutable std::mutex settingsMutex_;
@@ -67,6 +74,8 @@ class FrameReceiverImpl final : public FrameReceiver {
     detail::SharedCounters counters_;
     detail::FrameAssembler assembler_;
     detail::ReceiveBatch batch_;
+    std::array<detail::PlacementHint, detail::ReceiveBatch::kDefaultMessages> hints_{};
+    size_t hintCount_ = 0;
     detail::WakeEvent wake_;
     std::atomic<bool> stopRequested_{false};
     std::atomic<bool> running_{false};
@@ -144,7 +153,7 @@ void FrameReceiverImpl::HandleBatch(size_t count) {
         } else if (batch_.Truncated(i)) {
             assembler_.OnTruncatedDatagram();
         } else {
-            assembler_.OnDatagram(batch_.Data(i), batch_.Size(i), now);
+            assembler_.OnDatagram(batch_.Data(i), batch_.Size(i), now, batch_.DataInPlace(i));
         }
     }
 }
@@ -160,20 +169,42 @@ void FrameReceiverImpl::ReceiveLoopGuarded() {
     running_.store(false, std::memory_order_release);
 }
 
+// With a frame under way the batch is cut where its known packets end, so the next frame's
+// packets are read once its leader has opened it and can be aimed at its buffer too. With
+// no frame open, a few datagrams are enough to find the next leader.
+size_t FrameReceiverImpl::BatchSizeWanted() {
+    constexpr size_t kProbeMessages = 4;
+    constexpr size_t kBeyondPlan = 2;  // the trailer and the next leader
+    hintCount_ = assembler_.PlanPlacements(hints_.data(), hints_.size());
+    if (hintCount_ != 0) {
+        return std::min(hints_.size(), hintCount_ + kBeyondPlan);
+    }
+    return assembler_.HasOpenFrame() ? batch_.Capacity() : kProbeMessages;
+}
+
 void FrameReceiverImpl::ReceiveLoop() {
+    ::prctl(PR_SET_TIMERSLACK, kTimerSlackNs);  // keeps the naps close to their length
     uint64_t seenGeneration = 0;
     bool batchWasFull = false;
+    size_t lastCount = 0;
     while (!stopRequested_.load(std::memory_order_acquire)) {
         ReloadSettingsIfChanged(seenGeneration);
         // A full batch means more is waiting: skip the poll and read again.
-        if (!batchWasFull) {
+        if (!batchWasFull && lastCount > 0 && assembler_.HasOpenFrame()) {
+            // Mid-frame, a short batch means the thread is ahead of the wire. A nap lets the
+            // socket gather a fuller batch and spares the sender a wake-up per few packets,
+            // which on loopback it pays for.
+            std::this_thread::sleep_for(kCoalescingNap);
+        } else if (!batchWasFull) {
             const int timeoutMs = assembler_.MillisecondsToNextDeadline(Clock::now(), kIdlePollMs);
             if (!WaitForPackets(timeoutMs)) {
                 break;
             }
         }
-        const size_t count = batch_.ReceiveFrom(socket_.Fd());
-        batchWasFull = count == batch_.Capacity();
+        const size_t wanted = BatchSizeWanted();
+        const size_t count = batch_.ReceiveFrom(socket_.Fd(), hints_.data(), hintCount_, wanted);
+        batchWasFull = count == wanted;
+        lastCount = count;
         HandleBatch(count);
         assembler_.Service(Clock::now());
         assembler_.Publish();

@@ -25,7 +25,7 @@ void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packet
     packetBytes_ = packetBytes;
     firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
     shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = resentPackets_ = 0;
-    withdrawnPackets_ = 0;
+    withdrawnPackets_ = outOfBufferId_ = 0;
     bytesFilled_ = 0;
     // Until the packet size is known only the leader and packet 1 (always at offset 0) fit.
     const uint32_t ids = packetBytes_ != 0 ? PacketIdsFor(buffer.size, packetBytes_) : 2;
@@ -135,7 +135,8 @@ PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size
     // With the size unknown only packet 1 gets here, and it always starts the block.
     const uint64_t offset = packetBytes_ != 0 ? uint64_t{packetId - 1} * packetBytes_ : 0;
     if (offset >= buffer_.size) {
-        tooSmall_ = true;
+        // Only a packet the trailer confirms proves the block too big: a stray id does not.
+        outOfBufferId_ = std::max(outOfBufferId_, packetId);
         return PlaceResult::OutOfBuffer;
     }
     const bool isShort = packetBytes_ != 0 && size < packetBytes_;
@@ -150,7 +151,9 @@ void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, si
     const size_t copied = std::min(size, buffer_.size - offset);
     tooSmall_ = tooSmall_ || copied < size;
     received_.Set(packetId);
-    std::memcpy(buffer_.data + offset, data, copied);
+    if (data != buffer_.data + offset) {  // the kernel may have put it in place already
+        std::memcpy(buffer_.data + offset, data, copied);
+    }
     bytesFilled_ += copied;
     ++payloadReceived_;
     resentPackets_ += requested_.Test(packetId) ? 1 : 0;
@@ -165,8 +168,13 @@ void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, si
     }
 }
 
+bool FrameSlot::Overflowed() const {
+    return tooSmall_ ||
+           (outOfBufferId_ != 0 && (!haveTrailer_ || outOfBufferId_ <= lastPayloadId_));
+}
+
 bool FrameSlot::IsComplete() const {
-    return haveLeader_ && haveTrailer_ && !tooSmall_ && !inconsistent_ &&
+    return haveLeader_ && haveTrailer_ && !Overflowed() && !inconsistent_ &&
            payloadReceived_ == lastPayloadId_;
 }
 
@@ -182,12 +190,35 @@ uint32_t FrameSlot::ExpectedLastPayloadId() const {
     return highestPayloadId_;
 }
 
+size_t FrameSlot::PlanPlacements(bool extendedId, PlacementHint* out, size_t max) const {
+    if (packetBytes_ == 0 || buffer_.size == 0) {
+        return 0;
+    }
+    const uint32_t last = haveTrailer_ || (haveLeader_ && leader_.payloadBytes != 0)
+                              ? ExpectedLastPayloadId()
+                              : received_.Size() - 2;
+    size_t planned = 0;
+    for (uint32_t id = std::max(nextExpectedId, 1u); planned < max && id <= last; ++id) {
+        if (received_.Test(id)) {
+            continue;
+        }
+        const uint64_t offset = uint64_t{id - 1} * packetBytes_;
+        if (offset >= buffer_.size) {
+            break;
+        }
+        const size_t room = buffer_.size - static_cast<size_t>(offset);
+        out[planned++] = PlacementHint{blockId_, id, extendedId, buffer_.data + offset,
+                                       std::min<size_t>(packetBytes_, room)};
+    }
+    return planned;
+}
+
 uint32_t FrameSlot::MissingCount() const {
     return received_.CountClear(0, ExpectedLastPayloadId() + 1);
 }
 
 FrameStatus FrameSlot::FinalStatus() const {
-    if (tooSmall_) {
+    if (Overflowed()) {
         return FrameStatus::TooSmall;
     }
     return IsComplete() ? FrameStatus::Complete : FrameStatus::Incomplete;

@@ -8,6 +8,7 @@
 
 #include "gvsp_view.h"
 #include "packet_bitmap.h"
+#include "receive_batch.h"
 #include "ry/gev/stream/frame_receiver.h"
 
 namespace ry::gev::stream::detail {
@@ -60,6 +61,10 @@ class FrameSlot {
     // Marks [first, last] as asked for, so their arrival counts as a resent packet.
     void MarkRequested(uint32_t first, uint32_t last) { requested_.SetRange(first, last); }
 
+    // Fills up to `max` hints for the next packets this block still lacks, in id order;
+    // returns how many. None while the packet size is unknown.
+    size_t PlanPlacements(bool extendedId, PlacementHint* out, size_t max) const;
+
     ReceivedFrame Describe(FrameStatus status) const;
     FrameStatus FinalStatus() const;
 
@@ -73,6 +78,7 @@ class FrameSlot {
     uint32_t nextExpectedId = 0;  // gap detection in frequent-resend mode
 
   private:
+    bool Overflowed() const;
     void LearnPacketBytes(uint32_t packetBytes);
     void ForgetShortPacket();
     bool AcceptShortPacket(uint32_t packetId);
@@ -95,6 +101,7 @@ class FrameSlot {
     uint32_t shortPacketBytes_ = 0;
     uint32_t oversizedPackets_ = 0;
     uint32_t withdrawnPackets_ = 0;
+    uint32_t outOfBufferId_ = 0;  // highest payload id that fell past the buffer
     uint32_t resentPackets_ = 0;
     size_t bytesFilled_ = 0;
     PacketBitmap received_;

@@ -11,6 +11,10 @@ std::chrono::milliseconds Millis(uint32_t value) {
     return std::chrono::milliseconds(value);
 }
 
+// Packets overtaken by the trailer may still be on their way; a block that showed a hole is
+// acted on once it has been quiet this long.
+constexpr auto kReorderGrace = std::chrono::milliseconds(2);
+
 }  // namespace
 
 // A newer block means the older ones have received everything the device sent first time
@@ -43,16 +47,17 @@ void FrameAssembler::ServiceSlot(FrameSlot& slot, TimePoint now) {
         return;
     }
     const bool mayAsk = settings_.resendEnabled && !slot.resendRefused;
+    const bool settled = slot.resendDue && now - slot.lastPacketAt >= kReorderGrace;
     if (!mayAsk) {
         // Without resend a block showing a hole is finished; a silent one waits for its time-out.
-        if (slot.resendDue) {
+        if (settled) {
             Close(slot);
         }
         return;
     }
     if (slot.resendRounds == 0) {
         const bool silent = now - slot.lastPacketAt >= Millis(settings_.resendTimeoutMs);
-        if (slot.resendDue || silent) {
+        if (settled || silent) {
             StartResendRound(slot, now);
         }
         return;
@@ -151,9 +156,10 @@ int FrameAssembler::MillisecondsToNextDeadline(TimePoint now, int idleMs) const 
             continue;
         }
         next = std::min(next, slot.openedAt + Millis(settings_.imageTimeoutMs));
-        const TimePoint resendAt = slot.resendRounds == 0
-                                       ? slot.lastPacketAt + Millis(settings_.resendTimeoutMs)
-                                       : slot.nextResendAt;
+        const auto firstWait = slot.resendDue ? std::chrono::milliseconds(kReorderGrace)
+                                              : Millis(settings_.resendTimeoutMs);
+        const TimePoint resendAt =
+            slot.resendRounds == 0 ? slot.lastPacketAt + firstWait : slot.nextResendAt;
         next = std::min(next, resendAt);
     }
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next - now).count();
