@@ -7,20 +7,14 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "ry/gev/protocol/gvsp.h"
+
 namespace ry::bench {
 
 namespace {
 
 constexpr uint32_t kLoopback = 0x7F000001;
 constexpr uint32_t kMono8 = 0x01080001;
-constexpr size_t kIpUdpAndGvspHeaderBytes = 36;
-
-void PutBe32(uint8_t* at, uint32_t value) {
-    at[0] = static_cast<uint8_t>(value >> 24);
-    at[1] = static_cast<uint8_t>(value >> 16);
-    at[2] = static_cast<uint8_t>(value >> 8);
-    at[3] = static_cast<uint8_t>(value);
-}
 
 }  // namespace
 
@@ -45,16 +39,18 @@ void LoopbackCamera::BuildPackets(const CameraShape& shape) {
     for (size_t i = 0; i < image_.size(); ++i) {
         image_[i] = static_cast<uint8_t>(i * 13 + i / 4093);
     }
-    leaderBody_.assign(36, 0);
-    leaderBody_[3] = 1;  // image payload
-    PutBe32(&leaderBody_[12], kMono8);
-    PutBe32(&leaderBody_[16], shape.width);
-    PutBe32(&leaderBody_[20], shape.height);
-    trailerBody_.assign(8, 0);
-    trailerBody_[3] = 1;
-    PutBe32(&trailerBody_[4], shape.height);
+    ry::gev::ImageLeader leader;
+    leader.pixel_format = kMono8;
+    leader.size_x = shape.width;
+    leader.size_y = shape.height;
+    leaderBody_.assign(ry::gev::kImageLeaderSize, 0);
+    ry::gev::encode_image_leader(leader, leaderBody_);
+    ry::gev::ImageTrailer trailer;
+    trailer.size_y = shape.height;
+    trailerBody_.assign(ry::gev::kImageTrailerSize, 0);
+    ry::gev::encode_image_trailer(trailer, trailerBody_);
 
-    const size_t packetData = shape.packetSize - kIpUdpAndGvspHeaderBytes;
+    const size_t packetData = ry::gev::gvsp_payload_per_packet(shape.packetSize, false);
     const size_t payloadPackets = (image_.size() + packetData - 1) / packetData;
     const size_t packets = payloadPackets + 2;
     headers_.assign(packets * kHeaderBytes, 0);
@@ -62,12 +58,16 @@ void LoopbackCamera::BuildPackets(const CameraShape& shape) {
     messages_.resize(packets);
     for (size_t id = 0; id < packets; ++id) {
         uint8_t* header = &headers_[id * kHeaderBytes];
-        const uint8_t format = id == 0 ? 1 : (id == packets - 1 ? 2 : 3);
-        PutBe32(header + 4, (uint32_t{format} << 24) | static_cast<uint32_t>(id));
+        ry::gev::GvspHeader fields;
+        fields.packet_id = static_cast<uint32_t>(id);
+        fields.format = id == 0 ? ry::gev::GvspFormat::Leader
+                                : (id == packets - 1 ? ry::gev::GvspFormat::Trailer
+                                                     : ry::gev::GvspFormat::Payload);
+        ry::gev::encode_gvsp_header(fields, std::span(header, kHeaderBytes));
         vectors_[2 * id] = {header, kHeaderBytes};
-        if (format == 1) {
+        if (fields.format == ry::gev::GvspFormat::Leader) {
             vectors_[2 * id + 1] = {leaderBody_.data(), leaderBody_.size()};
-        } else if (format == 2) {
+        } else if (fields.format == ry::gev::GvspFormat::Trailer) {
             vectors_[2 * id + 1] = {trailerBody_.data(), trailerBody_.size()};
         } else {
             const size_t offset = (id - 1) * packetData;
@@ -82,8 +82,7 @@ void LoopbackCamera::BuildPackets(const CameraShape& shape) {
 
 size_t LoopbackCamera::SendFrame(uint16_t blockId) {
     for (size_t at = 0; at < headers_.size(); at += kHeaderBytes) {
-        headers_[at + 2] = static_cast<uint8_t>(blockId >> 8);
-        headers_[at + 3] = static_cast<uint8_t>(blockId);
+        ry::gev::store_be16(&headers_[at + 2], blockId);
     }
     size_t sent = 0;
     while (sent < messages_.size()) {

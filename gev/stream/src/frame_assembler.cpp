@@ -7,7 +7,6 @@ namespace ry::gev::stream::detail {
 namespace {
 
 constexpr uint32_t kStandardBlockIdSpan = 65535;  // 16-bit ids run 1..65535, 0 is unused
-constexpr uint32_t kIpAndUdpHeaderBytes = 28;
 
 }  // namespace
 
@@ -73,12 +72,11 @@ uint32_t FrameAssembler::StreamPacketBytes(bool extendedId) const {
     if (learnedPacketBytes_ != 0) {
         return learnedPacketBytes_;
     }
-    const uint32_t headerBytes = static_cast<uint32_t>(
-        kIpAndUdpHeaderBytes + (extendedId ? kExtendedHeaderBytes : kStandardHeaderBytes));
-    if (packetSizeHintRefuted_ || settings_.packetSize <= headerBytes) {
+    if (packetSizeHintRefuted_) {
         return 0;
     }
-    return settings_.packetSize - headerBytes;
+    return static_cast<uint32_t>(
+        ry::gev::gvsp_payload_per_packet(settings_.packetSize, extendedId));
 }
 
 FrameSlot& FrameAssembler::FreeSlot() {

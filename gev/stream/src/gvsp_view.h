@@ -1,34 +1,32 @@
 // Reads the GVSP fields the receiving loop needs straight from a received datagram. The loop
 // decodes every packet of a multi-gigabyte stream, so this decoder is inline and copy-free: it
-// checks the length once and hands back pointers into the receive slot, rather than building
-// the general-purpose packet records the protocol library offers for the emulator and tools.
+// checks the length once and hands back pointers into the receive slot instead of building
+// the optional-wrapped records of the protocol library's decoders, whose layout constants and
+// byte-order helpers it shares.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+#include "ry/gev/protocol/byte_order.h"
+#include "ry/gev/protocol/gvsp.h"
+
 namespace ry::gev::stream::detail {
 
-inline uint16_t LoadBe16(const uint8_t* p) {
-    return static_cast<uint16_t>((p[0] << 8) | p[1]);
-}
+using ry::gev::load_be16;
+using ry::gev::load_be32;
+using ry::gev::load_be64;
 
-inline uint32_t LoadBe32(const uint8_t* p) {
-    return (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3];
-}
-
-inline uint64_t LoadBe64(const uint8_t* p) {
-    return (uint64_t{LoadBe32(p)} << 32) | LoadBe32(p + 4);
-}
-
+// The formats the engine places; the others (all-in, H.264, multi-zone, multi-part, GenDC)
+// are counted as ignored.
 enum class PacketFormat : uint8_t {
-    Leader = 1,
-    Trailer = 2,
-    GenericPayload = 3,
+    Leader = static_cast<uint8_t>(ry::gev::GvspFormat::Leader),
+    Trailer = static_cast<uint8_t>(ry::gev::GvspFormat::Trailer),
+    GenericPayload = static_cast<uint8_t>(ry::gev::GvspFormat::Payload),
 };
 
-constexpr size_t kStandardHeaderBytes = 8;
-constexpr size_t kExtendedHeaderBytes = 20;
+constexpr size_t kStandardHeaderBytes = ry::gev::kGvspHeaderSize;
+constexpr size_t kExtendedHeaderBytes = ry::gev::kGvspExtendedHeaderSize;
 constexpr uint8_t kExtendedIdBit = 0x80;
 constexpr uint8_t kFormatMask = 0x0F;
 constexpr uint16_t kErrorStatusBit = 0x8000;
@@ -51,12 +49,12 @@ inline bool DecodeGvspHeader(const uint8_t* bytes, size_t size, GvspPacket& out)
     if (size < kStandardHeaderBytes) {
         return false;
     }
-    out.status = LoadBe16(bytes);
+    out.status = load_be16(bytes);
     out.extendedId = (bytes[4] & kExtendedIdBit) != 0;
     out.format = bytes[4] & kFormatMask;
     if (!out.extendedId) {
-        out.blockId = LoadBe16(bytes + 2);
-        out.packetId = LoadBe32(bytes + 4) & 0x00FFFFFFu;
+        out.blockId = load_be16(bytes + 2);
+        out.packetId = load_be32(bytes + 4) & 0x00FFFFFFu;
         out.data = bytes + kStandardHeaderBytes;
         out.dataSize = size - kStandardHeaderBytes;
         return true;
@@ -64,8 +62,8 @@ inline bool DecodeGvspHeader(const uint8_t* bytes, size_t size, GvspPacket& out)
     if (size < kExtendedHeaderBytes) {
         return false;
     }
-    out.blockId = LoadBe64(bytes + 8);
-    out.packetId = LoadBe32(bytes + 16);
+    out.blockId = load_be64(bytes + 8);
+    out.packetId = load_be32(bytes + 16);
     out.data = bytes + kExtendedHeaderBytes;
     out.dataSize = size - kExtendedHeaderBytes;
     return true;
@@ -73,14 +71,15 @@ inline bool DecodeGvspHeader(const uint8_t* bytes, size_t size, GvspPacket& out)
 
 // Payload types whose leader carries the image layout (image, extended chunk, multi-zone
 // after its zone word) or an explicit payload size.
-constexpr uint16_t kPayloadTypeMask = 0x3FFF;
-constexpr uint16_t kPayloadImage = 0x0001;
-constexpr uint16_t kPayloadRawData = 0x0002;
-constexpr uint16_t kPayloadFile = 0x0003;
-constexpr uint16_t kPayloadExtendedChunk = 0x0005;
-constexpr uint16_t kPayloadJpeg = 0x0006;
-constexpr uint16_t kPayloadJpeg2000 = 0x0007;
-constexpr size_t kImageLeaderBytes = 36;
+constexpr uint16_t kPayloadTypeMask = ry::gev::kPayloadTypeBaseMask;
+constexpr uint16_t kPayloadImage = static_cast<uint16_t>(ry::gev::GvspPayloadType::Image);
+constexpr uint16_t kPayloadRawData = static_cast<uint16_t>(ry::gev::GvspPayloadType::RawData);
+constexpr uint16_t kPayloadFile = static_cast<uint16_t>(ry::gev::GvspPayloadType::File);
+constexpr uint16_t kPayloadExtendedChunk =
+    static_cast<uint16_t>(ry::gev::GvspPayloadType::ExtendedChunk);
+constexpr uint16_t kPayloadJpeg = static_cast<uint16_t>(ry::gev::GvspPayloadType::Jpeg);
+constexpr uint16_t kPayloadJpeg2000 = static_cast<uint16_t>(ry::gev::GvspPayloadType::Jpeg2000);
+constexpr size_t kImageLeaderBytes = ry::gev::kImageLeaderSize;
 constexpr size_t kSizedLeaderBytes = 20;
 constexpr size_t kMinimumLeaderBytes = 12;
 
@@ -109,18 +108,18 @@ inline bool DecodeLeader(const uint8_t* data, size_t size, LeaderFields& out) {
         return false;
     }
     out = LeaderFields{};
-    out.payloadType = LoadBe16(data + 2);
+    out.payloadType = load_be16(data + 2);
     const uint16_t baseType = out.payloadType & kPayloadTypeMask;
-    out.timestamp = LoadBe64(data + 4);
+    out.timestamp = load_be64(data + 4);
     const bool imageLayout = baseType == kPayloadImage || baseType == kPayloadExtendedChunk;
     if (imageLayout && size >= kImageLeaderBytes) {
-        out.pixelFormat = LoadBe32(data + 12);
-        out.width = LoadBe32(data + 16);
-        out.height = LoadBe32(data + 20);
-        out.offsetX = LoadBe32(data + 24);
-        out.offsetY = LoadBe32(data + 28);
-        out.paddingX = LoadBe16(data + 32);
-        out.paddingY = LoadBe16(data + 34);
+        out.pixelFormat = load_be32(data + 12);
+        out.width = load_be32(data + 16);
+        out.height = load_be32(data + 20);
+        out.offsetX = load_be32(data + 24);
+        out.offsetY = load_be32(data + 28);
+        out.paddingX = load_be16(data + 32);
+        out.paddingY = load_be16(data + 34);
         // Chunk-carrying images are longer than the image itself; leave the size open.
         const bool plainImage = out.payloadType == kPayloadImage;
         out.payloadBytes = plainImage ? ImageBytes(out) : 0;
@@ -129,7 +128,7 @@ inline bool DecodeLeader(const uint8_t* data, size_t size, LeaderFields& out) {
     const bool sizedLeader = baseType == kPayloadRawData || baseType == kPayloadFile ||
                              baseType == kPayloadJpeg || baseType == kPayloadJpeg2000;
     if (sizedLeader && size >= kSizedLeaderBytes) {
-        out.payloadBytes = LoadBe64(data + 12);
+        out.payloadBytes = load_be64(data + 12);
     }
     return true;
 }

@@ -9,48 +9,46 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "ry/gev/protocol/gvsp.h"
+
 namespace ry::gev::stream::testing {
 
 namespace {
 
-void PutBe16(std::vector<uint8_t>& out, size_t at, uint32_t value) {
-    out[at] = static_cast<uint8_t>(value >> 8);
-    out[at + 1] = static_cast<uint8_t>(value);
-}
-
-void PutBe32(std::vector<uint8_t>& out, size_t at, uint32_t value) {
-    PutBe16(out, at, value >> 16);
-    PutBe16(out, at + 2, value & 0xFFFF);
-}
-
-void PutBe64(std::vector<uint8_t>& out, size_t at, uint64_t value) {
-    PutBe32(out, at, static_cast<uint32_t>(value >> 32));
-    PutBe32(out, at + 4, static_cast<uint32_t>(value));
-}
-
-std::vector<uint8_t> Header(const BlockSpec& spec, uint8_t format, uint32_t packetId,
+// Packets are built with the protocol library's encoders, the same the emulator uses; the
+// engine decodes with its own reader, so a disagreement between the two shows up here.
+std::vector<uint8_t> Header(const BlockSpec& spec, ry::gev::GvspFormat format, uint32_t packetId,
                             size_t dataBytes) {
-    const size_t headerBytes = spec.extendedIds ? 20 : 8;
-    std::vector<uint8_t> packet(headerBytes + dataBytes, 0);
-    if (spec.extendedIds) {
-        packet[4] = static_cast<uint8_t>(0x80 | format);
-        PutBe64(packet, 8, spec.blockId);
-        PutBe32(packet, 16, packetId);
-    } else {
-        PutBe16(packet, 2, static_cast<uint32_t>(spec.blockId));
-        PutBe32(packet, 4, (uint32_t{format} << 24) | (packetId & 0xFFFFFF));
-    }
+    ry::gev::GvspHeader header;
+    header.block_id = spec.blockId;
+    header.packet_id = packetId;
+    header.format = format;
+    header.extended_ids = spec.extendedIds;
+    std::vector<uint8_t> packet(ry::gev::gvsp_header_size(spec.extendedIds) + dataBytes, 0);
+    ry::gev::encode_gvsp_header(header, packet);
     return packet;
 }
 
 std::vector<uint8_t> Leader(const BlockSpec& spec) {
-    std::vector<uint8_t> packet = Header(spec, 1, 0, 36);
-    const size_t at = spec.extendedIds ? 20 : 8;
-    PutBe16(packet, at + 2, 0x0001);
-    PutBe64(packet, at + 4, 0x0102030405060708ull + spec.blockId);
-    PutBe32(packet, at + 12, spec.leaderDeclaresSize ? kMono8 : 0);
-    PutBe32(packet, at + 16, spec.width);
-    PutBe32(packet, at + 20, spec.height);
+    std::vector<uint8_t> packet =
+        Header(spec, ry::gev::GvspFormat::Leader, 0, ry::gev::kImageLeaderSize);
+    ry::gev::ImageLeader leader;
+    leader.timestamp = 0x0102030405060708ull + spec.blockId;
+    leader.pixel_format = spec.leaderDeclaresSize ? kMono8 : 0;
+    leader.size_x = spec.width;
+    leader.size_y = spec.height;
+    const size_t at = ry::gev::gvsp_header_size(spec.extendedIds);
+    ry::gev::encode_image_leader(leader, std::span(packet).subspan(at));
+    return packet;
+}
+
+std::vector<uint8_t> Trailer(const BlockSpec& spec, uint32_t packetId) {
+    std::vector<uint8_t> packet =
+        Header(spec, ry::gev::GvspFormat::Trailer, packetId, ry::gev::kImageTrailerSize);
+    ry::gev::ImageTrailer trailer;
+    trailer.size_y = spec.height;
+    const size_t at = ry::gev::gvsp_header_size(spec.extendedIds);
+    ry::gev::encode_image_trailer(trailer, std::span(packet).subspan(at));
     return packet;
 }
 
@@ -64,25 +62,22 @@ Block BuildBlock(const BlockSpec& spec) {
         block.payload[i] = static_cast<uint8_t>(i * 7 + i / 251 + spec.seed);
     }
     block.packets.push_back(Leader(spec));
-    const size_t headerBytes = spec.extendedIds ? 20 : 8;
+    const size_t headerBytes = ry::gev::gvsp_header_size(spec.extendedIds);
     uint32_t packetId = 1;
     for (size_t offset = 0; offset < block.payload.size(); offset += spec.packetDataBytes) {
         const size_t bytes = std::min<size_t>(spec.packetDataBytes, block.payload.size() - offset);
-        std::vector<uint8_t> packet = Header(spec, 3, packetId++, bytes);
+        std::vector<uint8_t> packet = Header(spec, ry::gev::GvspFormat::Payload, packetId++, bytes);
         std::copy_n(block.payload.begin() + static_cast<ptrdiff_t>(offset), bytes,
                     packet.begin() + static_cast<ptrdiff_t>(headerBytes));
         block.packets.push_back(std::move(packet));
     }
-    std::vector<uint8_t> trailer = Header(spec, 2, packetId, 8);
-    PutBe16(trailer, headerBytes + 2, 0x0001);
-    PutBe32(trailer, headerBytes + 4, spec.height);
-    block.packets.push_back(std::move(trailer));
+    block.packets.push_back(Trailer(spec, packetId));
     return block;
 }
 
 std::vector<uint8_t> BuildErrorPacket(const BlockSpec& spec, uint32_t packetId, uint16_t status) {
-    std::vector<uint8_t> packet = Header(spec, 3, packetId, 0);
-    PutBe16(packet, 0, status);
+    std::vector<uint8_t> packet = Header(spec, ry::gev::GvspFormat::Payload, packetId, 0);
+    ry::gev::store_be16(packet.data(), status);
     return packet;
 }
 
