@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "frame_slot.h"
+#include "gvsp_view.h"
 #include "shared_counters.h"
 
 namespace ry::gev::stream::detail {

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "gvsp_view.h"
+#include "leader_info.h"
 #include "packet_bitmap.h"
 #include "receive_batch.h"
 #include "ry/gev/stream/frame_receiver.h"

@@ -16,6 +16,13 @@ namespace ry::gev::stream::testing {
 constexpr uint32_t kDeviceIp = 0x7F000001;   // 127.0.0.1
 constexpr uint32_t kForeignIp = 0x7F000002;  // 127.0.0.2
 constexpr uint32_t kMono8 = 0x01080001;
+constexpr int kWaitMs = 3000;  // generous: only a broken engine ever waits this long
+
+inline ReceiverSettings NoResend() {
+    ReceiverSettings settings;
+    settings.resendEnabled = false;
+    return settings;
+}
 
 struct BlockSpec {
     uint64_t blockId = 1;

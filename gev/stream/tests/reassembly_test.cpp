@@ -11,14 +11,6 @@
 namespace ry::gev::stream::testing {
 namespace {
 
-constexpr int kWaitMs = 3000;
-
-ReceiverSettings NoResend() {
-    ReceiverSettings settings;
-    settings.resendEnabled = false;
-    return settings;
-}
-
 void ExpectExact(FrameCollector& collector, const ReceivedFrame& frame, const Block& block) {
     EXPECT_EQ(frame.status, FrameStatus::Complete) << "block " << block.spec.blockId;
     EXPECT_EQ(frame.blockId, block.spec.blockId);

@@ -10,8 +10,6 @@
 namespace ry::gev::stream::testing {
 namespace {
 
-constexpr int kWaitMs = 3000;
-
 ReceiverSettings FastResend(uint32_t maxRequests = 3) {
     ReceiverSettings settings;
     settings.resendTimeoutMs = 20;

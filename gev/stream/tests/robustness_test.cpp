@@ -10,14 +10,6 @@
 namespace ry::gev::stream::testing {
 namespace {
 
-constexpr int kWaitMs = 3000;
-
-ReceiverSettings NoResend() {
-    ReceiverSettings settings;
-    settings.resendEnabled = false;
-    return settings;
-}
-
 std::vector<uint8_t> Truncated(std::vector<uint8_t> packet, size_t drop) {
     packet.resize(packet.size() - drop);
     return packet;
