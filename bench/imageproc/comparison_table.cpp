@@ -7,7 +7,11 @@ namespace rybench {
 void ComparisonReporter::ReportRuns(const std::vector<Run>& runs) {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-        if (run.run_type != Run::RT_Iteration || run.iterations == 0) {
+        // With repetitions the median stands for the row; a single run stands for itself
+        // unless a median has been seen.
+        const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+        const bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
+        if (!median && !single) {
             continue;
         }
         const std::string name = run.run_name.function_name;

@@ -3,6 +3,9 @@
 // the nominal width, and the public and flat entry points.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+
 #include "imageproc/rgb_mono_convert.h"
 #include "oracle.h"
 #include "rysdk/RyConvert.h"
@@ -154,17 +157,28 @@ TEST(MonoAgainstOracle, PackedWideningEveryPixelCount) {
     }
 }
 
-TEST(MonoAgainstOracle, LargeFramesMatch) {
-    const uint32_t pixels = 2448 * 2048;
+// Outputs of this size take the aligned, cache-bypassing path; the destination starts at
+// an odd address so that the single pixels before the first aligned run are exercised.
+TEST(MonoAgainstOracle, LargeFramesAtUnalignedDestinations) {
+    const uint32_t pixels = 4096 * 3000;
+    using Fn = void (*)(const uint8_t*, uint32_t, uint8_t*);
     const auto mono = RandomSamples<uint8_t>(pixels, 3, 0xFF);
-    EXPECT_EQ(Converted(mono, size_t(pixels) * 3, RyImageProcess::ConvertMono8ToBGR8),
-              oracle::Mono8(mono));
     const auto wide = RandomSamples<uint8_t>(size_t(pixels) * 2 + 1, 4, 0xFF);
-    EXPECT_EQ(Converted(wide, (size_t(pixels) + 1) * 3, RyImageProcess::ConvertMono12ToBGR8),
-              oracle::Mono16(wide, 4));
     const auto rgb = RandomSamples<uint8_t>(size_t(pixels) * 3 + 2, 5, 0xFF);
-    EXPECT_EQ(Converted(rgb, size_t(pixels) * 3, RyImageProcess::ConvertRGB8toBGR8),
-              oracle::SwapRgb(rgb));
+    const std::tuple<Fn, const std::vector<uint8_t>*, std::vector<uint8_t>> cases[] = {
+        {RyImageProcess::ConvertMono8ToBGR8, &mono, oracle::Mono8(mono)},
+        {RyImageProcess::ConvertMono12ToBGR8, &wide, oracle::Mono16(wide, 4)},
+        {RyImageProcess::ConvertRGB8toBGR8, &rgb, oracle::SwapRgb(rgb)}};
+    for (const auto& [convert, src, expected] : cases) {
+        for (size_t offset : {0, 5}) {
+            GuardedBuffer<uint8_t> dst(expected.size() + offset);
+            convert(src->data(), uint32_t(src->size()), dst.data() + offset);
+            EXPECT_TRUE(dst.GuardIntact());
+            const auto written = dst.Written();
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end(), written.begin() + offset))
+                << "offset " << offset;
+        }
+    }
 }
 
 // ---- Entry points ------------------------------------------------------------------------
