@@ -15,7 +15,8 @@ namespace ry::gev::stream::detail {
 class FrameAssembler {
   public:
     // Frames that may be in progress at once: one receiving, the others waiting for resends.
-    static constexpr size_t kFramesInFlight = 4;
+    // At hundreds of frames a second a resend round spans several frames.
+    static constexpr size_t kFramesInFlight = 8;
     // Packets of a block this many ids behind the newest are late leftovers, not a restart.
     static constexpr uint64_t kLateBlockWindow = 100;
     // Resend requests per round; past this the rest of the block is asked as one range.

@@ -118,6 +118,12 @@ bool FrameReceiverImpl::Start() {
 
 void FrameReceiverImpl::Stop(bool discardPartial,
                              const std::function<void(const LentBuffer&)>& returnBuffer) {
+    if (thread_.joinable() && std::this_thread::get_id() == thread_.get_id()) {
+        // Called from a callback: the thread cannot wait for itself. It ends after this
+        // batch; the frames in progress come back at the next Stop from another thread.
+        stopRequested_.store(true, std::memory_order_release);
+        return;
+    }
     std::lock_guard lock(lifecycleMutex_);
     if (!thread_.joinable()) {
         return;

@@ -2,6 +2,7 @@
 // copy of the block), bounded retries, refusals, the frequent mode and the frame time-out.
 #include <gtest/gtest.h>
 
+#include <random>
 #include <set>
 #include <thread>
 
@@ -52,6 +53,39 @@ TEST(Resend, LostPacketsAreRecoveredByteExact) {
     EXPECT_EQ(counters.packetsResent, 8u);
     EXPECT_GE(counters.resendRequests, 4u);
     EXPECT_EQ(counters.framesIncomplete, 0u);
+}
+
+TEST(Resend, OnePercentRandomLossIsFullyRecovered) {
+    constexpr size_t kFrames = 40;
+    ReceiverSettings settings = FastResend(6);
+    Harness h(settings, kFrames, 200 * 150);
+    std::vector<Block> blocks;
+    for (uint64_t id = 1; id <= kFrames; ++id) {
+        blocks.push_back(BuildBlock(
+            {.blockId = id, .width = 200, .height = 150, .seed = static_cast<uint8_t>(id)}));
+    }
+    h.collector.ServeResendsFrom(h.device.get(), &blocks);
+    std::mt19937 random(2024);
+    uint32_t dropped = 0;
+    for (size_t i = 0; i < kFrames; ++i) {
+        for (const auto& packet : blocks[i].packets) {
+            if (random() % 100 == 0) {
+                ++dropped;
+            } else {
+                h.device->Send(packet);
+            }
+        }
+        ASSERT_TRUE(h.collector.WaitForFrames(i + 1, kWaitMs)) << "frame " << i + 1;
+    }
+    ASSERT_GT(dropped, 10u);
+    for (const ReceivedFrame& frame : h.collector.Frames()) {
+        EXPECT_EQ(frame.status, FrameStatus::Complete) << frame.blockId;
+        EXPECT_EQ(h.collector.Bytes(frame), blocks[frame.blockId - 1].payload) << frame.blockId;
+    }
+    const ReceiverCounters counters = h.receiver->Counters();
+    EXPECT_EQ(counters.framesIncomplete, 0u);
+    EXPECT_EQ(counters.packetsResent, dropped);
+    EXPECT_EQ(counters.packetsMissing, 0u);
 }
 
 TEST(Resend, RequestsCoverExactlyTheMissingRuns) {
