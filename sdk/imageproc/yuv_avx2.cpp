@@ -89,10 +89,11 @@ RY_AVX2 inline BlockBgr IntegerBlock(const uint8_t* src) {
     return {Weigh(yu, v1, 298, 516, 0), Weigh(yu, v1, 298, -100, -208), Weigh(yu, v1, 298, 0, 409)};
 }
 
-RY_AVX2 inline __m256i ClampTruncate(__m256 x) {
-    const __m256 clamped =
-        _mm256_min_ps(_mm256_max_ps(x, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
-    return _mm256_cvttps_epi32(clamped);
+// Clamping to 0..255 and then truncating gives the same byte as truncating toward zero and
+// then saturating, which the narrowing packs do: every result lies well inside the 32-bit
+// range (-180 to 434), and a negative value truncates to at most 0.
+RY_AVX2 inline __m256i Truncate(__m256 x) {
+    return _mm256_cvttps_epi32(x);
 }
 
 template <Yuv422Order Order>
@@ -111,7 +112,7 @@ RY_AVX2 inline BlockBgr FloatingBlock(const uint8_t* src) {
     const __m256 g = _mm256_sub_ps(y, _mm256_add_ps(_mm256_mul_ps(_mm256_set1_ps(0.714f), v),
                                                     _mm256_mul_ps(_mm256_set1_ps(0.344f), u)));
     const __m256 b = _mm256_add_ps(y, _mm256_mul_ps(_mm256_set1_ps(1.772f), u));
-    return {ClampTruncate(b), ClampTruncate(g), ClampTruncate(r)};
+    return {Truncate(b), Truncate(g), Truncate(r)};
 }
 
 // Runs of 16 groups: four blocks, narrowed per colour and interleaved into 96 bytes.
