@@ -1,0 +1,41 @@
+// One run of ry-stream-bench: finds and opens the camera through the producer's C
+// interface, then measures register round trips or streaming.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "RyGenTL.h"
+#include "bench_options.h"
+
+namespace ry::gev::tools {
+
+class BenchSession {
+  public:
+    BenchSession() = default;
+    ~BenchSession();
+    BenchSession(const BenchSession&) = delete;
+    BenchSession& operator=(const BenchSession&) = delete;
+
+    bool Open(const BenchOptions& options, std::string& error);
+    // Both print their result as the last line and return the process exit code.
+    int MeasureLatency(uint32_t reads);
+    int MeasureStream(const BenchOptions& options);
+
+  private:
+    bool FindAndOpenDevice(const std::string& address, std::string& error);
+    bool ReadDescription(std::string& error);
+    bool ExecuteCommand(const char* feature);
+    uint64_t PayloadSize();
+
+    bool initialized_ = false;
+    TL_HANDLE system_ = nullptr;
+    IF_HANDLE iface_ = nullptr;
+    DEV_HANDLE device_ = nullptr;
+    DS_HANDLE stream_ = nullptr;
+    EVENT_HANDLE event_ = nullptr;
+    std::string xml_;
+    std::vector<std::vector<uint8_t>> buffers_;
+};
+
+}  // namespace ry::gev::tools
