@@ -4,6 +4,27 @@
 
 namespace RyGenApi {
 
+namespace {
+
+// Opens the device file and sizes the transfer buffer to the device's chunk; on failure
+// nothing stays open.
+bool OpenDeviceFile(FileProtocolAdapter& adapter, INodeMap* nodeMap, const char* fileName,
+                    std::ios_base::openmode mode, std::ios_base::openmode direction,
+                    std::vector<char>& buffer) {
+    if (fileName == nullptr || !adapter.attach(nodeMap) || !adapter.openFile(fileName, mode)) {
+        return false;
+    }
+    const int64_t chunk = adapter.getBufSize(fileName, direction);
+    if (chunk <= 0) {
+        adapter.closeFile(fileName);
+        return false;
+    }
+    buffer.assign(static_cast<size_t>(chunk), 0);
+    return true;
+}
+
+}  // namespace
+
 // ---- input -----------------------------------------------------------------------------
 
 // A destructor must not throw; a device fault while closing leaves nothing to report to.
@@ -16,17 +37,11 @@ IDevFileStreamBuf::~IDevFileStreamBuf() {
 
 IDevFileStreamBuf* IDevFileStreamBuf::open(INodeMap* nodeMap, const char* fileName,
                                            std::ios_base::openmode mode) {
-    if (open_ || fileName == nullptr || !adapter_.attach(nodeMap) ||
-        !adapter_.openFile(fileName, mode | std::ios_base::in)) {
+    if (open_ || !OpenDeviceFile(adapter_, nodeMap, fileName, mode | std::ios_base::in,
+                                 std::ios_base::in, buffer_)) {
         return nullptr;
     }
     fileName_ = fileName;
-    const int64_t chunk = adapter_.getBufSize(fileName, std::ios_base::in);
-    if (chunk <= 0) {
-        adapter_.closeFile(fileName);
-        return nullptr;
-    }
-    buffer_.assign(static_cast<size_t>(chunk), 0);
     position_ = 0;
     open_ = true;
     setg(buffer_.data(), buffer_.data(), buffer_.data());
@@ -74,17 +89,12 @@ ODevFileStreamBuf::~ODevFileStreamBuf() {
 
 ODevFileStreamBuf* ODevFileStreamBuf::open(INodeMap* nodeMap, const char* fileName,
                                            std::ios_base::openmode mode) {
-    if (open_ || fileName == nullptr || !adapter_.attach(nodeMap) ||
-        !adapter_.openFile(fileName, (mode & ~std::ios_base::trunc) | std::ios_base::out)) {
+    if (open_ || !OpenDeviceFile(adapter_, nodeMap, fileName,
+                                 (mode & ~std::ios_base::trunc) | std::ios_base::out,
+                                 std::ios_base::out, buffer_)) {
         return nullptr;
     }
     fileName_ = fileName;
-    const int64_t chunk = adapter_.getBufSize(fileName, std::ios_base::out);
-    if (chunk <= 0) {
-        adapter_.closeFile(fileName);
-        return nullptr;
-    }
-    buffer_.assign(static_cast<size_t>(chunk), 0);
     position_ = 0;
     open_ = true;
     setp(buffer_.data(), buffer_.data() + buffer_.size());

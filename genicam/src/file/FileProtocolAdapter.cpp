@@ -116,6 +116,20 @@ int64_t FileProtocolAdapter::ChunkLimit() {
     return limit;
 }
 
+int64_t FileProtocolAdapter::Transfer(int64_t position, int64_t chunk) {
+    // Some devices advance the offset themselves and make it read-only.
+    if (IsWritable(accessOffset_->GetNode()->GetAccessMode())) {
+        accessOffset_->SetValue(position);
+    } else if (accessOffset_->GetValue(false, true) != position) {
+        return -1;
+    }
+    accessLength_->SetValue(chunk);
+    if (!ExecuteAndCheck()) {
+        return -1;
+    }
+    return std::min<int64_t>(operationResult_->GetValue(false, true), chunk);
+}
+
 int64_t FileProtocolAdapter::getBufSize(const char* fileName, std::ios_base::openmode mode) {
     const bool reading = (mode & std::ios_base::in) != 0;
     if (!Select(fileName, reading ? "Read" : "Write")) {
@@ -142,24 +156,12 @@ std::streamsize FileProtocolAdapter::read(char* buffer, int64_t offset, std::str
     if (limit <= 0) {
         return 0;
     }
-    std::vector<uint8_t> window(static_cast<size_t>(accessBuffer_->GetLength()));
+    std::vector<uint8_t> window;
     std::streamsize done = 0;
     while (done < length) {
-        const int64_t position = offset + done;
-        const int64_t chunk = std::min<int64_t>(length - done, limit);
-        // Some devices advance the offset themselves and make it read-only.
-        if (IsWritable(accessOffset_->GetNode()->GetAccessMode())) {
-            accessOffset_->SetValue(position);
-        } else if (accessOffset_->GetValue(false, true) != position) {
-            break;
-        }
-        accessLength_->SetValue(chunk);
-        if (!ExecuteAndCheck()) {
-            break;
-        }
-        const int64_t delivered = std::min<int64_t>(operationResult_->GetValue(false, true), chunk);
+        const int64_t delivered = Transfer(offset + done, std::min<int64_t>(length - done, limit));
         if (delivered <= 0) {
-            break;  // end of file
+            break;  // end of file or a failure
         }
         window.resize(static_cast<size_t>(accessBuffer_->GetLength()));
         accessBuffer_->Get(window.data(), static_cast<int64_t>(window.size()), false, true);
@@ -181,21 +183,11 @@ std::streamsize FileProtocolAdapter::write(const char* buffer, int64_t offset, i
     }
     std::streamsize done = 0;
     while (done < length) {
-        const int64_t position = offset + done;
         const int64_t chunk = std::min<int64_t>(length - done, limit);
         std::vector<uint8_t> window(static_cast<size_t>(accessBuffer_->GetLength()), 0);
         std::memcpy(window.data(), buffer + done, static_cast<size_t>(chunk));
         accessBuffer_->Set(window.data(), static_cast<int64_t>(window.size()));
-        if (IsWritable(accessOffset_->GetNode()->GetAccessMode())) {
-            accessOffset_->SetValue(position);
-        } else if (accessOffset_->GetValue(false, true) != position) {
-            break;
-        }
-        accessLength_->SetValue(chunk);
-        if (!ExecuteAndCheck()) {
-            break;
-        }
-        const int64_t accepted = std::min<int64_t>(operationResult_->GetValue(false, true), chunk);
+        const int64_t accepted = Transfer(offset + done, chunk);
         if (accepted <= 0) {
             break;
         }

@@ -58,18 +58,10 @@ bool FormulaNode::ParseChild(std::string_view tag, const xml::Element& child, Lo
         formulaTo_.text = text;
     } else if (tag == "pValue") {
         target_.name = text;
-    } else if (tag == "Unit") {
-        unit_ = text;
-    } else if (tag == "Representation") {
-        representation_ = ParseRepresentation(text);
-    } else if (tag == "DisplayNotation") {
-        notation_ = text == "Fixed" ? fnFixed : (text == "Scientific" ? fnScientific : fnAutomatic);
-    } else if (tag == "DisplayPrecision") {
-        precision_ = loader.Integer(child, name_);
     } else if (tag == "Slope") {
         slope_ = text;
     } else {
-        return tag == "IsLinear";
+        return tag == "IsLinear" || presentation_.Parse(tag, child, loader, name_);
     }
     return true;
 }
@@ -278,41 +270,38 @@ void FormulaNode::WriteNumber(Number value, bool verify) {
     target_.node->WriteNumber(registerValue, verify);
 }
 
+bool FormulaNode::ConvertedBounds(Number& low, Number& high) {
+    if (!isConverter_) {
+        return false;
+    }
+    try {
+        ReentryGuard guard(evaluating_, name_);
+        low = Convert(FromTarget(target_.node->MinNumber()));
+        high = Convert(FromTarget(target_.node->MaxNumber()));
+    } catch (const GenericException&) {
+        return false;  // the formula cannot map the target's range: report the full range
+    }
+    const bool swap =
+        slope_ == "Decreasing" || (slope_ != "Increasing" && low.AsReal() > high.AsReal());
+    if (swap) {
+        std::swap(low, high);
+    }
+    return true;
+}
+
 Number FormulaNode::MinNumber() {
-    if (isConverter_) {
-        try {
-            ReentryGuard guard(evaluating_, name_);
-            const Number a = FromTarget(target_.node->MinNumber());
-            const Number b = FromTarget(target_.node->MaxNumber());
-            if (slope_ == "Increasing") {
-                return Convert(a);
-            }
-            if (slope_ == "Decreasing") {
-                return Convert(b);
-            }
-            return Convert(a.AsReal() <= b.AsReal() ? a : b);
-        } catch (const GenericException&) {
-        }
+    Number low, high;
+    if (ConvertedBounds(low, high)) {
+        return low;
     }
     return isInteger_ ? Number::Integer(std::numeric_limits<int64_t>::min())
                       : Number::Real(std::numeric_limits<double>::lowest());
 }
 
 Number FormulaNode::MaxNumber() {
-    if (isConverter_) {
-        try {
-            ReentryGuard guard(evaluating_, name_);
-            const Number a = FromTarget(target_.node->MinNumber());
-            const Number b = FromTarget(target_.node->MaxNumber());
-            if (slope_ == "Increasing") {
-                return Convert(b);
-            }
-            if (slope_ == "Decreasing") {
-                return Convert(a);
-            }
-            return Convert(a.AsReal() <= b.AsReal() ? b : a);
-        } catch (const GenericException&) {
-        }
+    Number low, high;
+    if (ConvertedBounds(low, high)) {
+        return high;
     }
     return isInteger_ ? Number::Integer(std::numeric_limits<int64_t>::max())
                       : Number::Real(std::numeric_limits<double>::max());
@@ -323,11 +312,11 @@ Number FormulaNode::IncNumber() {
 }
 
 ERepresentation FormulaNode::RepresentationValue() {
-    return representation_ ? *representation_ : PureNumber;
+    return presentation_.representation.value_or(PureNumber);
 }
 
 std::string FormulaNode::UnitValue() {
-    return std::string(unit_);
+    return std::string(presentation_.unit);
 }
 
 }  // namespace RyGenApi::detail

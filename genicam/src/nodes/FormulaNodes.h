@@ -24,8 +24,8 @@ class FormulaNode : public Node, public FormulaBindings {
     bool HasIncrement() override { return isInteger_; }
     ERepresentation RepresentationValue() override;
     std::string UnitValue() override;
-    EDisplayNotation NotationValue() override { return notation_; }
-    int64_t PrecisionValue() override { return precision_; }
+    EDisplayNotation NotationValue() override { return presentation_.notation; }
+    int64_t PrecisionValue() override { return presentation_.precision; }
     void VisitReferences(const std::function<void(Ref&, RefKind)>& visit) override;
 
     // FormulaBindings
@@ -62,6 +62,8 @@ class FormulaNode : public Node, public FormulaBindings {
     Number Evaluate(CompiledFormula& compiled);
     Number Convert(Number value) const;
     Number FromTarget(Number targetValue);
+    // Converter range: the target's bounds mapped through FormulaFrom, ordered by Slope.
+    bool ConvertedBounds(Number& low, Number& high);
 
     bool isInteger_;
     bool isConverter_;
@@ -74,10 +76,7 @@ class FormulaNode : public Node, public FormulaBindings {
     std::vector<Binding> bindings_;
     FormulaValue to_;
     FormulaValue from_;
-    std::string_view unit_;
-    std::optional<ERepresentation> representation_;
-    EDisplayNotation notation_ = fnAutomatic;
-    int64_t precision_ = 6;
+    Presentation presentation_;
     std::string_view slope_;
     bool evaluating_ = false;
 };

@@ -482,4 +482,27 @@ bool ParseYesNo(std::string_view text) {
     return text == "Yes";
 }
 
+bool Presentation::Parse(std::string_view tag, const xml::Element& child, Loader& loader,
+                         std::string_view owner) {
+    if (tag == "Unit") {
+        unit = child.text;
+    } else if (tag == "Representation") {
+        representation = ParseRepresentation(child.text);
+    } else if (tag == "DisplayNotation") {
+        notation = ParseDisplayNotation(child.text);
+    } else if (tag == "DisplayPrecision") {
+        precision = loader.Integer(child, owner);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+EDisplayNotation ParseDisplayNotation(std::string_view text) {
+    if (text == "Fixed") {
+        return fnFixed;
+    }
+    return text == "Scientific" ? fnScientific : fnAutomatic;
+}
+
 }  // namespace RyGenApi::detail

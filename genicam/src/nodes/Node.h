@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,18 @@ struct Property {
     std::string_view name;
     std::string_view value;
     std::string_view attribute;
+};
+
+// Display items shared by the value kinds: Unit, Representation, DisplayNotation and
+// DisplayPrecision.
+struct Presentation {
+    std::string_view unit;
+    std::optional<ERepresentation> representation;
+    EDisplayNotation notation = fnAutomatic;
+    int64_t precision = 6;
+    // Takes the item when it is one of the four; false otherwise.
+    bool Parse(std::string_view tag, const xml::Element& child, Loader& loader,
+               std::string_view owner);
 };
 
 class Node : public virtual INode {
@@ -192,5 +205,6 @@ EVisibility ParseVisibility(std::string_view text);
 ECachingMode ParseCachingMode(std::string_view text);
 ERepresentation ParseRepresentation(std::string_view text);
 bool ParseYesNo(std::string_view text);
+EDisplayNotation ParseDisplayNotation(std::string_view text);
 
 }  // namespace RyGenApi::detail

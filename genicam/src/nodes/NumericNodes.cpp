@@ -51,18 +51,10 @@ bool NumericNode::ParseChild(std::string_view tag, const xml::Element& child, Lo
         Bound& bound = tag == "pMin" ? min_ : (tag == "pMax" ? max_ : inc_);
         bound.present = true;
         bound.ref.name = text;
-    } else if (tag == "Unit") {
-        unit_ = text;
-    } else if (tag == "Representation") {
-        representation_ = ParseRepresentation(text);
-    } else if (tag == "DisplayNotation") {
-        notation_ = text == "Fixed" ? fnFixed : (text == "Scientific" ? fnScientific : fnAutomatic);
-    } else if (tag == "DisplayPrecision") {
-        precision_ = loader.Integer(child, name_);
     } else if (tag == "pSelected") {
         selected_.push_back(Ref{text});
     } else {
-        return false;
+        return presentation_.Parse(tag, child, loader, name_);
     }
     return true;
 }
@@ -195,15 +187,15 @@ Number NumericNode::IncNumber() {
 }
 
 ERepresentation NumericNode::RepresentationValue() {
-    if (representation_) {
-        return *representation_;
+    if (presentation_.representation) {
+        return *presentation_.representation;
     }
     return plain_.ref ? plain_.ref.node->RepresentationValue() : PureNumber;
 }
 
 std::string NumericNode::UnitValue() {
-    if (!unit_.empty() || !plain_.ref) {
-        return std::string(unit_);
+    if (!presentation_.unit.empty() || !plain_.ref) {
+        return std::string(presentation_.unit);
     }
     return plain_.ref.node->UnitValue();
 }

@@ -28,8 +28,8 @@ class NumericNode : public Node {
     bool HasIncrement() override;
     ERepresentation RepresentationValue() override;
     std::string UnitValue() override;
-    EDisplayNotation NotationValue() override { return notation_; }
-    int64_t PrecisionValue() override { return precision_; }
+    EDisplayNotation NotationValue() override { return presentation_.notation; }
+    int64_t PrecisionValue() override { return presentation_.precision; }
     void VisitReferences(const std::function<void(Ref&, RefKind)>& visit) override;
 
   protected:
@@ -58,10 +58,7 @@ class NumericNode : public Node {
     Bound min_;
     Bound max_;
     Bound inc_;
-    std::string_view unit_;
-    std::optional<ERepresentation> representation_;
-    EDisplayNotation notation_ = fnAutomatic;
-    int64_t precision_ = 6;
+    Presentation presentation_;
 };
 
 using IntegerNode = IntegerFacade<NumericNode>;

@@ -286,11 +286,10 @@ void RegisterNode::FromString(const std::string& text, bool verify) {
 // ---- IntReg ----------------------------------------------------------------------------
 
 bool IntRegNode::ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) {
-    if (tag == "Representation") {
-        representation_ = ParseRepresentation(child.text);
-    } else if (tag == "Unit") {
-        unit_ = child.text;
-    } else if (tag == "pSelected") {
+    if (presentation_.Parse(tag, child, loader, name_)) {
+        return true;
+    }
+    if (tag == "pSelected") {
         selected_.push_back(Ref{child.text});
     } else {
         return RegisterNode::ParseChild(tag, child, loader);
@@ -446,20 +445,8 @@ Number MaskedIntRegNode::MaxNumber() {
 // ---- FloatReg --------------------------------------------------------------------------
 
 bool FloatRegNode::ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) {
-    if (tag == "Representation") {
-        representation_ = ParseRepresentation(child.text);
-    } else if (tag == "Unit") {
-        unit_ = child.text;
-    } else if (tag == "DisplayNotation") {
-        notation_ = child.text == "Fixed"
-                        ? fnFixed
-                        : (child.text == "Scientific" ? fnScientific : fnAutomatic);
-    } else if (tag == "DisplayPrecision") {
-        precision_ = loader.Integer(child, name_);
-    } else {
-        return RegisterNode::ParseChild(tag, child, loader);
-    }
-    return true;
+    return presentation_.Parse(tag, child, loader, name_) ||
+           RegisterNode::ParseChild(tag, child, loader);
 }
 
 void FloatRegNode::RequireValidLength() {

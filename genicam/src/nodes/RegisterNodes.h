@@ -83,13 +83,14 @@ class IntRegNode : public RegisterNode {
     void WriteNumber(Number value, bool verify) override;
     Number MinNumber() override;
     Number MaxNumber() override;
-    ERepresentation RepresentationValue() override { return representation_; }
-    std::string UnitValue() override { return std::string(unit_); }
+    ERepresentation RepresentationValue() override {
+        return presentation_.representation.value_or(PureNumber);
+    }
+    std::string UnitValue() override { return std::string(presentation_.unit); }
 
   protected:
     bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
-    ERepresentation representation_ = PureNumber;
-    std::string_view unit_;
+    Presentation presentation_;
     std::vector<Ref> selected_;
 
   public:
@@ -126,20 +127,19 @@ class FloatRegNode : public RegisterNode {
     Number MinNumber() override;
     Number MaxNumber() override;
     bool HasIncrement() override { return false; }
-    ERepresentation RepresentationValue() override { return representation_; }
-    std::string UnitValue() override { return std::string(unit_); }
-    EDisplayNotation NotationValue() override { return notation_; }
-    int64_t PrecisionValue() override { return precision_; }
+    ERepresentation RepresentationValue() override {
+        return presentation_.representation.value_or(PureNumber);
+    }
+    std::string UnitValue() override { return std::string(presentation_.unit); }
+    EDisplayNotation NotationValue() override { return presentation_.notation; }
+    int64_t PrecisionValue() override { return presentation_.precision; }
 
   protected:
     bool ParseChild(std::string_view tag, const xml::Element& child, Loader& loader) override;
 
   private:
     void RequireValidLength();
-    ERepresentation representation_ = PureNumber;
-    std::string_view unit_;
-    EDisplayNotation notation_ = fnAutomatic;
-    int64_t precision_ = 6;
+    Presentation presentation_;
 };
 
 class StringRegNode : public RegisterNode, public virtual IString {

@@ -65,58 +65,36 @@ class ODevFileStreamBuf : public std::streambuf {
     bool open_ = false;
 };
 
-class IDevFileStreamBase : public std::istream {
+// An istream or ostream owning its device file buffer, opened like a std::fstream.
+template <class Stream, class Buffer, std::ios_base::openmode DefaultMode>
+class DevFileStreamBase : public Stream {
   public:
-    IDevFileStreamBase() : std::istream(&buffer_) {}
-    IDevFileStreamBase(INodeMap* nodeMap, const char* fileName,
-                       std::ios_base::openmode mode = std::ios_base::in)
-        : std::istream(&buffer_) {
+    DevFileStreamBase() : Stream(&buffer_) {}
+    DevFileStreamBase(INodeMap* nodeMap, const char* fileName,
+                      std::ios_base::openmode mode = DefaultMode)
+        : Stream(&buffer_) {
         open(nodeMap, fileName, mode);
     }
-    void open(INodeMap* nodeMap, const char* fileName,
-              std::ios_base::openmode mode = std::ios_base::in) {
+    void open(INodeMap* nodeMap, const char* fileName, std::ios_base::openmode mode = DefaultMode) {
         if (buffer_.open(nodeMap, fileName, mode) == nullptr) {
-            setstate(std::ios_base::failbit);
+            this->setstate(std::ios_base::failbit);
         }
     }
     bool is_open() const { return buffer_.is_open(); }
     void close() {
         if (buffer_.close() == nullptr) {
-            setstate(std::ios_base::failbit);
+            this->setstate(std::ios_base::failbit);
         }
     }
-    IDevFileStreamBuf* rdbuf() { return &buffer_; }
+    Buffer* rdbuf() { return &buffer_; }
 
   private:
-    IDevFileStreamBuf buffer_;
+    Buffer buffer_;
 };
 
-class ODevFileStreamBase : public std::ostream {
-  public:
-    ODevFileStreamBase() : std::ostream(&buffer_) {}
-    ODevFileStreamBase(INodeMap* nodeMap, const char* fileName,
-                       std::ios_base::openmode mode = std::ios_base::out | std::ios_base::trunc)
-        : std::ostream(&buffer_) {
-        open(nodeMap, fileName, mode);
-    }
-    void open(INodeMap* nodeMap, const char* fileName,
-              std::ios_base::openmode mode = std::ios_base::out | std::ios_base::trunc) {
-        if (buffer_.open(nodeMap, fileName, mode) == nullptr) {
-            setstate(std::ios_base::failbit);
-        }
-    }
-    bool is_open() const { return buffer_.is_open(); }
-    void close() {
-        if (buffer_.close() == nullptr) {
-            setstate(std::ios_base::failbit);
-        }
-    }
-    ODevFileStreamBuf* rdbuf() { return &buffer_; }
-
-  private:
-    ODevFileStreamBuf buffer_;
-};
-
+using IDevFileStreamBase = DevFileStreamBase<std::istream, IDevFileStreamBuf, std::ios_base::in>;
+using ODevFileStreamBase =
+    DevFileStreamBase<std::ostream, ODevFileStreamBuf, std::ios_base::out | std::ios_base::trunc>;
 using IDevFileStream = IDevFileStreamBase;
 using ODevFileStream = ODevFileStreamBase;
 

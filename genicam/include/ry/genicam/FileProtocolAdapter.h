@@ -47,6 +47,8 @@ class FileProtocolAdapter {
     bool ExecuteAndCheck();
     void WaitUntilDone();
     int64_t ChunkLimit();
+    // Runs one read or write step at `position`; returns the bytes moved, -1 on failure.
+    int64_t Transfer(int64_t position, int64_t chunk);
 
     IEnumeration* fileSelector_ = nullptr;
     IEnumeration* operationSelector_ = nullptr;
