@@ -103,7 +103,12 @@ bool FrameReceiverImpl::RebindForSettings() {
 bool FrameReceiverImpl::Start() {
     std::lock_guard lock(lifecycleMutex_);
     if (thread_.joinable()) {
-        return true;
+        if (!stopRequested_.load(std::memory_order_acquire)) {
+            return true;
+        }
+        // A callback stopped the thread; finish that stop before starting again.
+        thread_.join();
+        assembler_.CloseAll(false, nullptr);
     }
     if (!wake_.Valid() || !RebindForSettings()) {
         return false;

@@ -204,6 +204,34 @@ TEST(Robustness, StopHandsBackTheFrameInProgress) {
     }
 }
 
+TEST(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
+    FrameCollector collector(4, 64 * 48);
+    ReceiverCallbacks callbacks = collector.Callbacks();
+    FrameReceiver* self = nullptr;
+    callbacks.deliver = [&, forward = callbacks.deliver](const ReceivedFrame& frame) {
+        forward(frame);
+        self->Stop(false, nullptr);
+    };
+    ReceiverEndpoint endpoint;
+    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    auto receiver = FrameReceiver::Create(endpoint, NoResend(), callbacks, nullptr);
+    ASSERT_NE(receiver, nullptr);
+    self = receiver.get();
+    ASSERT_TRUE(receiver->Start());
+    UdpSender device(kDeviceIp, receiver->LocalPort());
+    device.SendAll(BuildBlock({.blockId = 1}));
+    ASSERT_TRUE(collector.WaitForFrames(1, kWaitMs));
+    for (int i = 0; i < 2000 && receiver->Running(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_FALSE(receiver->Running());
+    ASSERT_TRUE(receiver->Start());
+    device.SendAll(BuildBlock({.blockId = 2}));
+    ASSERT_TRUE(collector.WaitForFrames(2, kWaitMs));
+    EXPECT_EQ(collector.Frames()[1].status, FrameStatus::Complete);
+    receiver->Stop(false, nullptr);
+}
+
 TEST(Robustness, RestartAfterStopReceivesAgainOnTheSamePort) {
     Harness h(NoResend());
     const uint16_t port = h.receiver->LocalPort();

@@ -107,7 +107,9 @@ class FrameReceiver {
 
     // Starts and stops the receiving thread. Stop returns the buffer of a frame in progress
     // through `deliver` as Incomplete unless `discardPartial` is set, in which case it goes
-    // back through `returnBuffer` without a frame.
+    // back through `returnBuffer` without a frame. Those calls happen on the caller's thread,
+    // after the receiving thread has ended. Called from a callback, Stop only asks the thread
+    // to end; the frames in progress then come back at the next Stop or Start.
     virtual bool Start() = 0;
     virtual void Stop(bool discardPartial,
                       const std::function<void(const LentBuffer&)>& returnBuffer) = 0;
