@@ -187,7 +187,12 @@ void FrameAssembler::OnTrailer(FrameSlot& slot, const GvspPacket& packet) {
         ++pending_.packetsRejected;
         return;
     }
-    if (!slot.OnTrailer(packet.packetId)) {
+    // Image trailers tell how many lines were sent (fewer with variable-height acquisition).
+    const auto image =
+        ry::gev::decode_image_trailer(ry::gev::ConstBytes(packet.data, packet.dataSize));
+    const bool imageTrailer = image && (image->payload_type & ry::gev::kPayloadTypeBaseMask) ==
+                                           static_cast<uint16_t>(ry::gev::GvspPayloadType::Image);
+    if (!slot.OnTrailer(packet.packetId, imageTrailer ? image->size_y : 0)) {
         ++pending_.packetsDuplicated;
         return;
     }

@@ -24,6 +24,7 @@ void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packet
     haveLeader_ = haveTrailer_ = tooSmall_ = inconsistent_ = false;
     packetBytes_ = packetBytes;
     firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
+    linesSent_ = 0;
     shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = resentPackets_ = 0;
     withdrawnPackets_ = outOfBufferId_ = 0;
     bytesFilled_ = 0;
@@ -63,11 +64,12 @@ bool FrameSlot::OnLeader(const LeaderFields& leader) {
     return true;
 }
 
-bool FrameSlot::OnTrailer(uint32_t packetId) {
+bool FrameSlot::OnTrailer(uint32_t packetId, uint32_t linesSent) {
     if (packetId == 0 || haveTrailer_) {
         return false;
     }
     haveTrailer_ = true;
+    linesSent_ = linesSent;
     lastPayloadId_ = packetId - 1;
     if (received_.Set(packetId)) {
         resentPackets_ += requested_.Test(packetId) ? 1 : 0;
@@ -234,7 +236,8 @@ ReceivedFrame FrameSlot::Describe(FrameStatus status) const {
     frame.payloadType = image.payload_type;
     frame.pixelFormat = image.pixel_format;
     frame.width = image.size_x;
-    frame.height = image.size_y;
+    const bool fewerLines = linesSent_ != 0 && linesSent_ < image.size_y;
+    frame.height = fewerLines ? linesSent_ : image.size_y;
     frame.offsetX = image.offset_x;
     frame.offsetY = image.offset_y;
     frame.paddingX = image.padding_x;

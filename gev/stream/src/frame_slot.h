@@ -40,7 +40,8 @@ class FrameSlot {
 
     // Each returns true when the packet was new for this block.
     bool OnLeader(const LeaderFields& leader);
-    bool OnTrailer(uint32_t packetId);
+    // `linesSent` is the image trailer's line count, 0 when the trailer has none.
+    bool OnTrailer(uint32_t packetId, uint32_t linesSent);
     PlaceResult PlacePayload(uint32_t packetId, const uint8_t* data, size_t size);
 
     bool IsComplete() const;
@@ -95,6 +96,7 @@ class FrameSlot {
     uint32_t packetBytes_ = 0;
     uint32_t firstPacketBytes_ = 0;  // size of packet 1 while the packet size is unknown
     uint32_t lastPayloadId_ = 0;     // from the trailer
+    uint32_t linesSent_ = 0;         // from an image trailer
     uint32_t highestPayloadId_ = 0;
     uint32_t payloadReceived_ = 0;
     uint32_t shortPacketId_ = 0;  // the one packet allowed to be shorter: it must be the last

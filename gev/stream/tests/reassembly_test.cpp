@@ -151,6 +151,19 @@ TEST(Reassembly, InterleavedBlocksAreAllCompleted) {
     ExpectExact(h.collector, frames[1], second);
 }
 
+TEST(Reassembly, VariableHeightFrameEndsAtTheTrailersLineCount) {
+    Harness h(NoResend());
+    const Block full = BuildBlock({.blockId = 1});
+    Block cut = BuildBlock({.blockId = 1, .height = 30});  // 30 of the 48 announced lines
+    cut.packets[0] = full.packets[0];
+    h.device->SendAll(cut);
+    ASSERT_TRUE(h.collector.WaitForFrames(1, kWaitMs));
+    const ReceivedFrame frame = h.collector.Frames()[0];
+    EXPECT_EQ(frame.status, FrameStatus::Complete);
+    EXPECT_EQ(frame.height, 30u);
+    EXPECT_EQ(h.collector.Bytes(frame), cut.payload);
+}
+
 TEST(Reassembly, SinglePacketBlocksAndExactMultiplesOfThePacketSize) {
     Harness h(NoResend(), 4, 64 * 48);
     const Block single = BuildBlock({.blockId = 1, .width = 10, .height = 10});
