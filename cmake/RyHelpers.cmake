@@ -1,5 +1,8 @@
 # ry_add_test(NAME <name> SOURCES <files...> LIBS <targets...> [LABELS <labels...>])
 # Builds one GoogleTest executable into build/bin and registers its cases with CTest.
+option(RY_TESTS_IN_PRIVATE_NETWORK
+       "Run each test case in its own network namespace (needs root or CAP_SYS_ADMIN)" ON)
+
 function(ry_add_test)
   if(NOT RY_BUILD_TESTS)
     return()
@@ -8,6 +11,13 @@ function(ry_add_test)
   add_executable(${ARG_NAME} ${ARG_SOURCES})
   target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main
                                             GTest::gmock Threads::Threads)
+  # Every test case runs in a network namespace of its own: tests that discover or serve
+  # on the GigE Vision ports can then run side by side without seeing each other, and none
+  # of them can send a packet beyond loopback.
+  if(RY_TESTS_IN_PRIVATE_NETWORK)
+    set_target_properties(${ARG_NAME} PROPERTIES
+        CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/scripts/in-private-net.sh")
+  endif()
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
