@@ -121,14 +121,4 @@ RY_AVX2 inline __m256i LoadReducedBytes(const void* p) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
 }
 
-// Four vectors of eight signed 32-bit values, each holding pixels 0-3 of its block in
-// the low lane and 4-7 in the high lane, clamped to 0..255 by the saturating packs and
-// returned as 32 bytes in pixel order.
-RY_AVX2 inline __m256i NarrowBlocksToBytes(__m256i b0, __m256i b1, __m256i b2, __m256i b3) {
-    const __m256i words01 = _mm256_packs_epi32(b0, b1);
-    const __m256i words23 = _mm256_packs_epi32(b2, b3);
-    const __m256i bytes = _mm256_packus_epi16(words01, words23);
-    return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
-}
-
 }  // namespace RYSDK::imageproc::avx2

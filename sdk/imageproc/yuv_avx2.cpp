@@ -1,8 +1,9 @@
-// 4:2:2 kernels working in 32-bit lanes. The integer form spreads each 16-byte block
-// (4 groups, 8 pixels) into one lane per pixel and uses pairwise 16-bit multiply-adds into
-// 32-bit sums, which reproduces the scalar formula exactly. The floating form keeps one lane
-// per group and uses separate multiplies and adds (no fused multiply-add) in the scalar
-// order, so each pixel rounds as the scalar code does.
+// 4:2:2 kernels working in one 32-bit lane per group: the chroma terms are formed once per
+// group and combined with the even and the odd luma sample, and two runs of eight groups
+// are narrowed together into 32 pixels. The integer form uses pairwise 16-bit multiply-adds
+// into 32-bit sums, which reproduces the scalar formula exactly; the floating form uses
+// separate multiplies and adds (no fused multiply-add) in the scalar order, so each pixel
+// rounds as the scalar code does.
 #include "imageproc/yuv_avx2.h"
 
 #include "imageproc/avx2_common.h"
@@ -12,75 +13,6 @@ namespace RYSDK::imageproc::avx2 {
 namespace {
 
 constexpr uint8_t kZero = 0x80;
-
-// Control that puts, for pixel p of a block, the bytes picked by `pick(p)` (four offsets,
-// kZero for a zero byte) into the 32-bit lane of that pixel.
-template <class Pick>
-constexpr Mask32 PixelLaneMask(Pick pick) {
-    Mask32 mask{};
-    for (int p = 0; p < 8; ++p) {
-        const auto bytes = pick(p);
-        for (int k = 0; k < 4; ++k) {
-            mask[(p / 4) * 16 + (p % 4) * 4 + k] = bytes[k];
-        }
-    }
-    return mask;
-}
-
-constexpr uint8_t Offset(int p, int inGroup) {
-    return static_cast<uint8_t>((p / 2) * 4 + inGroup);
-}
-
-constexpr int LumaOf(Yuv422Order o, int p) {
-    return p % 2 == 0 ? o.y0 : o.y1;
-}
-
-// (Y, U) as two 16-bit values, for the multiply-add with (298, coefficient of U).
-constexpr Mask32 LumaChromaUMask(Yuv422Order o) {
-    return PixelLaneMask([o](int p) {
-        return std::array<uint8_t, 4>{Offset(p, LumaOf(o, p)), kZero, Offset(p, o.u), kZero};
-    });
-}
-
-// (V, 0) as two 16-bit values; the second becomes the rounding term's multiplier.
-constexpr Mask32 ChromaVMask(Yuv422Order o) {
-    return PixelLaneMask([o](int p) {
-        return std::array<uint8_t, 4>{Offset(p, o.v), kZero, kZero, kZero};
-    });
-}
-
-RY_AVX2 inline __m256i LoadBlock(const uint8_t* src) {
-    return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src)));
-}
-
-struct BlockBgr {
-    __m256i b, g, r;
-};
-
-// Two 16-bit values as one 32-bit lane, the first in the low half.
-constexpr int32_t PairOf(int16_t low, int16_t high) {
-    return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(low)) |
-                                (static_cast<uint32_t>(static_cast<uint16_t>(high)) << 16));
-}
-
-// (ky (Y - 16) + ku (U - 128) + kv (V - 128) + 128) >> 8 in 32-bit lanes.
-RY_AVX2 inline __m256i Weigh(__m256i yu, __m256i v1, int16_t ky, int16_t ku, int16_t kv) {
-    const __m256i a = _mm256_madd_epi16(yu, _mm256_set1_epi32(PairOf(ky, ku)));
-    const __m256i c = _mm256_madd_epi16(v1, _mm256_set1_epi32(PairOf(kv, 1)));
-    return _mm256_srai_epi32(_mm256_add_epi32(a, c), 8);
-}
-
-RY_AVX2 inline BlockBgr IntegerBlock(const uint8_t* src) {
-    static constexpr Mask32 kYu = LumaChromaUMask(kUyvy);
-    static constexpr Mask32 kV = ChromaVMask(kUyvy);
-    const __m256i block = LoadBlock(src);
-    // (Y - 16, U - 128) and (V - 128, 128): the 128 times 1 is the rounding term.
-    const __m256i yu = _mm256_sub_epi16(_mm256_shuffle_epi8(block, LoadMask(kYu)),
-                                        _mm256_set1_epi32(PairOf(16, 128)));
-    const __m256i v1 = _mm256_sub_epi16(_mm256_shuffle_epi8(block, LoadMask(kV)),
-                                        _mm256_set1_epi32(PairOf(128, -128)));
-    return {Weigh(yu, v1, 298, 516, 0), Weigh(yu, v1, 298, -100, -208), Weigh(yu, v1, 298, 0, 409)};
-}
 
 // Clamping to 0..255 and then truncating gives the same byte as truncating toward zero and
 // then saturating, which the narrowing packs do: every result lies well inside the 32-bit
@@ -150,30 +82,59 @@ RY_AVX2 inline __m256i NarrowEvenOdd(const __m256i first[2], const __m256i secon
     return _mm256_permute4x64_epi64(_mm256_shuffle_epi8(bytes, LoadMask(kPairUp)), 0xD8);
 }
 
-// Runs of 16 groups (64 source bytes, 32 pixels).
-template <Yuv422Order Order>
-RY_AVX2 inline size_t FloatingRuns(const uint8_t* src, size_t groups, uint8_t* dst) {
-    const size_t runs = groups / 16;
-    for (size_t i = 0; i < runs; ++i) {
-        const GroupsBgr a = FloatingGroups<Order>(src + i * 64);
-        const GroupsBgr b = FloatingGroups<Order>(src + i * 64 + 32);
-        StoreInterleaved3<1>(dst + i * 96, NarrowEvenOdd(a.b, b.b), NarrowEvenOdd(a.g, b.g),
-                             NarrowEvenOdd(a.r, b.r));
-    }
-    return runs * 16;
+// Two 16-bit values as one 32-bit lane, the first in the low half.
+constexpr int32_t PairOf(int16_t low, int16_t high) {
+    return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(low)) |
+                                (static_cast<uint32_t>(static_cast<uint16_t>(high)) << 16));
 }
 
-// Runs of 16 groups: four blocks, narrowed per colour and interleaved into 96 bytes.
-template <BlockBgr (*block)(const uint8_t*)>
-RY_AVX2 inline size_t IntegerRuns(const uint8_t* src, size_t groups, uint8_t* dst) {
+// Control that puts bytes `low` and `high` of each group into the two 16-bit halves of that
+// group's 32-bit lane.
+constexpr Mask32 GroupPairMask(int low, int high) {
+    Mask32 mask = GroupLaneMask(low);
+    for (int k = 0; k < 32; k += 4) {
+        mask[k + 2] = static_cast<uint8_t>((k % 16) + high);
+    }
+    return mask;
+}
+
+// Studio-range colours of eight U Y0 V Y1 groups. 298 (Y - 16) + 128 is one multiply-add of
+// (Y, 1) with (298, 128 - 298 x 16); the chroma terms are multiply-adds of (U - 128, V - 128)
+// formed once per group. All sums are exact in 32 bits, as in the scalar formula.
+RY_AVX2 inline GroupsBgr IntegerGroups(const uint8_t* src) {
+    static constexpr Mask32 kY0 = GroupLaneMask(kUyvy.y0), kY1 = GroupLaneMask(kUyvy.y1);
+    static constexpr Mask32 kUv = GroupPairMask(kUyvy.u, kUyvy.v);
+    const __m256i groups = Load(src);
+    const __m256i uv = _mm256_sub_epi16(_mm256_shuffle_epi8(groups, LoadMask(kUv)),
+                                        _mm256_set1_epi32(PairOf(128, 128)));
+    const __m256i blue = _mm256_madd_epi16(uv, _mm256_set1_epi32(PairOf(516, 0)));
+    const __m256i green = _mm256_madd_epi16(uv, _mm256_set1_epi32(PairOf(-100, -208)));
+    const __m256i red = _mm256_madd_epi16(uv, _mm256_set1_epi32(PairOf(0, 409)));
+    const __m256i one = _mm256_set1_epi32(PairOf(0, 1));
+    const __m256i lumaWeights = _mm256_set1_epi32(PairOf(298, 128 - 298 * 16));
+    const __m256i luma[2] = {
+        _mm256_madd_epi16(_mm256_or_si256(_mm256_shuffle_epi8(groups, LoadMask(kY0)), one),
+                          lumaWeights),
+        _mm256_madd_epi16(_mm256_or_si256(_mm256_shuffle_epi8(groups, LoadMask(kY1)), one),
+                          lumaWeights)};
+    GroupsBgr out;
+    for (int i = 0; i < 2; ++i) {
+        out.b[i] = _mm256_srai_epi32(_mm256_add_epi32(luma[i], blue), 8);
+        out.g[i] = _mm256_srai_epi32(_mm256_add_epi32(luma[i], green), 8);
+        out.r[i] = _mm256_srai_epi32(_mm256_add_epi32(luma[i], red), 8);
+    }
+    return out;
+}
+
+// Runs of 16 groups (64 source bytes, 32 pixels).
+template <GroupsBgr (*convert)(const uint8_t*)>
+RY_AVX2 inline size_t GroupRuns(const uint8_t* src, size_t groups, uint8_t* dst) {
     const size_t runs = groups / 16;
     for (size_t i = 0; i < runs; ++i) {
-        const uint8_t* in = src + size_t{i} * 64;
-        const BlockBgr q0 = block(in), q1 = block(in + 16), q2 = block(in + 32),
-                       q3 = block(in + 48);
-        StoreInterleaved3<1>(dst + size_t{i} * 96, NarrowBlocksToBytes(q0.b, q1.b, q2.b, q3.b),
-                             NarrowBlocksToBytes(q0.g, q1.g, q2.g, q3.g),
-                             NarrowBlocksToBytes(q0.r, q1.r, q2.r, q3.r));
+        const GroupsBgr a = convert(src + i * 64);
+        const GroupsBgr b = convert(src + i * 64 + 32);
+        StoreInterleaved3<1>(dst + i * 96, NarrowEvenOdd(a.b, b.b), NarrowEvenOdd(a.g, b.g),
+                             NarrowEvenOdd(a.r, b.r));
     }
     return runs * 16;
 }
@@ -181,15 +142,15 @@ RY_AVX2 inline size_t IntegerRuns(const uint8_t* src, size_t groups, uint8_t* ds
 }  // namespace
 
 size_t Yuv422IntegerUyvy(const uint8_t* src, size_t groups, uint8_t* dst) {
-    return IntegerRuns<IntegerBlock>(src, groups, dst);
+    return GroupRuns<IntegerGroups>(src, groups, dst);
 }
 
 size_t Yuv422FloatingUyvy(const uint8_t* src, size_t groups, uint8_t* dst) {
-    return FloatingRuns<kUyvy>(src, groups, dst);
+    return GroupRuns<FloatingGroups<kUyvy>>(src, groups, dst);
 }
 
 size_t Yuv422FloatingYuyv(const uint8_t* src, size_t groups, uint8_t* dst) {
-    return FloatingRuns<kYuyv>(src, groups, dst);
+    return GroupRuns<FloatingGroups<kYuyv>>(src, groups, dst);
 }
 
 }  // namespace RYSDK::imageproc::avx2
