@@ -26,6 +26,7 @@ class BenchSession {
     bool FindAndOpenDevice(const std::string& address, std::string& error);
     bool ReadDescription(std::string& error);
     bool ExecuteCommand(const char* feature);
+    uint64_t ReadFeature(const char* feature);
     uint64_t PayloadSize();
 
     bool initialized_ = false;
