@@ -195,6 +195,7 @@ void Loader::Link() {
         });
     }
     for (const auto& owned : map_.Nodes()) {
+        owned->CompactDependents();
         owned->Finish(*this);
     }
 }
@@ -203,30 +204,27 @@ void Loader::Link() {
 // never end. Iterative depth-first search with three colours.
 void Loader::CheckValueCycles() {
     enum : uint8_t { White, Grey, Black };
-    std::unordered_map<const Node*, uint8_t> colour;
-    colour.reserve(map_.Nodes().size());
     struct Frame {
-        const Node* node;
+        Node* node;
         size_t next;
     };
     std::vector<Frame> stack;
     for (const auto& owned : map_.Nodes()) {
-        if (colour[owned.get()] != White) {
+        if (owned->LoadColour() != White) {
             continue;
         }
         stack.push_back({owned.get(), 0});
-        colour[owned.get()] = Grey;
+        owned->LoadColour() = Grey;
         while (!stack.empty()) {
             Frame& frame = stack.back();
             const auto& children = frame.node->ValueChildren();
             if (frame.next == children.size()) {
-                colour[frame.node] = Black;
+                frame.node->LoadColour() = Black;
                 stack.pop_back();
                 continue;
             }
-            const Node* child = children[frame.next++];
-            const uint8_t state = colour[child];
-            if (state == Grey) {
+            Node* child = children[frame.next++];
+            if (child->LoadColour() == Grey) {
                 std::string path(child->NameView());
                 for (auto it = stack.rbegin(); it != stack.rend() && it->node != child; ++it) {
                     path = std::string(it->node->NameView()) + " -> " + path;
@@ -235,8 +233,8 @@ void Loader::CheckValueCycles() {
                     std::string(child->NameView()),
                     "reference cycle: " + std::string(child->NameView()) + " -> " + path);
             }
-            if (state == White) {
-                colour[child] = Grey;
+            if (child->LoadColour() == White) {
+                child->LoadColour() = Grey;
                 stack.push_back({child, 0});
             }
         }

@@ -353,10 +353,14 @@ void Node::Finish(Loader&) {}
 // ---- graph ---------------------------------------------------------------------------
 
 void Node::AddDependent(Node* node) {
-    if (node != this &&
-        std::find(dependents_.begin(), dependents_.end(), node) == dependents_.end()) {
+    if (node != this) {
         dependents_.push_back(node);
     }
+}
+
+void Node::CompactDependents() {
+    std::sort(dependents_.begin(), dependents_.end());
+    dependents_.erase(std::unique(dependents_.begin(), dependents_.end()), dependents_.end());
 }
 
 void Node::AddChild(Node* node) {

@@ -119,6 +119,11 @@ class Node : public virtual INode {
 
     // Graph maintenance.
     void AddDependent(Node* node);
+    // Drops repeated dependents once linking is over (cheaper than checking every insert:
+    // the device port alone gains thousands).
+    void CompactDependents();
+    // Scratch colour of the loader's cycle search.
+    uint8_t& LoadColour() { return loadColour_; }
     void AddChild(Node* node);
     void AddValueChild(Node* node) { valueChildren_.push_back(node); }
     const std::vector<Node*>& ValueChildren() const { return valueChildren_; }
@@ -195,6 +200,7 @@ class Node : public virtual INode {
     mutable bool accessBusy_ = false;
     mutable int8_t volatileState_ = -1;  // -1 unknown, 0 no, 1 yes, 2 being computed
     uint64_t visitMark_ = 0;
+    uint8_t loadColour_ = 0;
     std::map<CallbackHandle, Callback> callbacks_;
     CallbackHandle nextCallback_ = 1;
 };
