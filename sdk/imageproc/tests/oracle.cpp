@@ -110,6 +110,7 @@ std::vector<uint8_t> Yuv422Floating(const std::vector<uint8_t>& src, uint32_t pi
 
 std::vector<uint8_t> SwapRgb(const std::vector<uint8_t>& src) {
     std::vector<uint8_t> out;
+    out.reserve(src.size());
     for (size_t i = 0; i + 2 < src.size(); i += 3) {
         out.insert(out.end(), {src[i + 2], src[i + 1], src[i]});
     }
@@ -143,6 +144,7 @@ std::vector<uint8_t> Bgr10V2Packed(const std::vector<uint8_t>& src) {
 
 std::vector<uint8_t> Mono8(const std::vector<uint8_t>& src) {
     std::vector<uint8_t> out;
+    out.reserve(src.size() * 3);
     for (uint8_t v : src) {
         out.insert(out.end(), {v, v, v});
     }
@@ -155,6 +157,7 @@ std::vector<uint8_t> Mono16(const std::vector<uint8_t>& src, int shift) {
         return out;
     }
     const size_t samples = ((src.size() - 1) >> 1) + 1;
+    out.reserve(samples * 3);
     for (size_t i = 0; i < samples; ++i) {
         const uint32_t sample = ByteOrZero(src, 2 * i) | (ByteOrZero(src, 2 * i + 1) << 8);
         const uint8_t v = uint8_t((sample >> shift) & 0xFF);
