@@ -228,14 +228,11 @@ CommandOutcome CameraDevice::write_bootstrap(std::uint32_t address, std::uint32_
             set_boot(address, std::max(value, bs::kHeartbeatMinimumMs));
             return {};
         case bs::kTimestampControl: {
-            const auto now = std::chrono::steady_clock::now();
             if (value & 0x1) {
-                timestamp_epoch_ = now;
+                streamer_->reset_clock();
             }
             if (value & 0x2) {
-                const auto ticks = static_cast<std::uint64_t>(
-                    std::chrono::duration_cast<std::chrono::nanoseconds>(now - timestamp_epoch_)
-                        .count());
+                const std::uint64_t ticks = streamer_->now_ticks();
                 set_boot(bs::kTimestampValueHigh, static_cast<std::uint32_t>(ticks >> 32));
                 set_boot(bs::kTimestampValueLow, static_cast<std::uint32_t>(ticks));
             }

@@ -65,7 +65,9 @@ CameraDevice::CameraDevice(CameraConfig config)
     messages_ = std::make_unique<MessageChannel>(ip);
     streamer_ = std::make_unique<Streamer>(
         ip, config_.resend_window_blocks, counters_,
-        [this](std::uint16_t id, std::uint64_t block) { post_event(id, block); });
+        [this](std::uint16_t id, std::uint64_t block, std::uint64_t timestamp) {
+            post_event(id, block, timestamp);
+        });
     init_bootstrap();
     set_faults(config_.faults);
     server_ = std::thread([this] { serve(); });
@@ -107,11 +109,10 @@ void CameraDevice::fire_external_trigger() {
     }
 }
 
-void CameraDevice::post_event(std::uint16_t event_id, std::uint64_t block_id) {
-    const auto ticks = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                           std::chrono::steady_clock::now() - timestamp_epoch_)
-                           .count();
-    messages_->post(event_id, block_id, static_cast<std::uint64_t>(ticks));
+// Runs on the stream thread: it touches only the message channel, never the registers.
+void CameraDevice::post_event(std::uint16_t event_id, std::uint64_t block_id,
+                              std::uint64_t timestamp) {
+    messages_->post(event_id, block_id, timestamp);
 }
 
 // ---- control privilege ---------------------------------------------------------------------

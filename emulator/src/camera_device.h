@@ -77,7 +77,7 @@ class CameraDevice {
     void note_command_from(Endpoint from);
     void check_heartbeat();
     void drop_control();
-    void post_event(std::uint16_t event_id, std::uint64_t block_id);
+    void post_event(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp);
     std::uint32_t current_gvcp_config() const;
 
     // gvcp_server.cpp
@@ -132,7 +132,6 @@ class CameraDevice {
     Endpoint primary_;  // port 0: no primary application
     std::chrono::steady_clock::time_point last_primary_command_;
     std::uint32_t switchover_key_ = 0;
-    std::chrono::steady_clock::time_point timestamp_epoch_ = std::chrono::steady_clock::now();
 
     StreamCounters counters_;
     std::unique_ptr<MessageChannel> messages_;

@@ -25,6 +25,7 @@ Streamer::Streamer(std::uint32_t bind_ip, std::uint32_t window_blocks, StreamCou
       counters_(counters),
       events_(std::move(events)) {
     source_port_ = socket_.local_port();
+    reset_clock();
     socket_.set_option(SOL_SOCKET, SO_SNDBUF, 8 << 20);
     thread_ = std::thread([this] { run(); });
 }
@@ -72,7 +73,7 @@ void Streamer::start(const AcquisitionPlan& plan) {
                                                                   : 0;
         pending_triggers_ = 0;
         acquiring_ = true;
-        events_(kEventAcquisitionStart, 0);
+        events_(kEventAcquisitionStart, 0, now_ticks());
     }
     wake_.notify_all();
 }
@@ -89,7 +90,7 @@ void Streamer::stop() {
 
 void Streamer::finish_acquisition() {
     acquiring_ = false;
-    events_(kEventAcquisitionEnd, last_block_id_);
+    events_(kEventAcquisitionEnd, last_block_id_, now_ticks());
 }
 
 void Streamer::trigger() {
@@ -111,11 +112,19 @@ void Streamer::set_hold(bool hold) {
     wake_.notify_all();
 }
 
-std::uint64_t Streamer::now_ticks() const {
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                          std::chrono::steady_clock::now() - epoch_)
-                                          .count());
+namespace {
+std::int64_t steady_ns() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }
+}  // namespace
+
+std::uint64_t Streamer::now_ticks() const {
+    return static_cast<std::uint64_t>(steady_ns() - epoch_ns_.load());
+}
+
+void Streamer::reset_clock() { epoch_ns_ = steady_ns(); }
 
 std::uint64_t Streamer::next_block_id() {
     if (channel_.extended_ids) {
@@ -146,7 +155,7 @@ void Streamer::run() {
         }
         send_block(lock);
         if (last_frame) {
-            events_(kEventAcquisitionEnd, last_block_id_);
+            events_(kEventAcquisitionEnd, last_block_id_, now_ticks());
         }
         if (plan_.fps > 0) {
             const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
@@ -188,14 +197,14 @@ void Streamer::send_block(std::unique_lock<std::mutex>&) {
     const std::uint64_t block_id = next_block_id();
     const std::uint64_t timestamp = now_ticks();
     if (plan_.triggered) {
-        events_(kEventFrameTrigger, block_id);
+        events_(kEventFrameTrigger, block_id, timestamp);
     }
     window_.push_back({block_id, timestamp});
     while (window_.size() > window_blocks_) {
         window_.pop_front();
     }
     counters_.frames++;
-    events_(kEventExposureEnd, block_id);
+    events_(kEventExposureEnd, block_id, timestamp);
     if (channel_.destination.port == 0 || faults_.unplugged) {
         return;
     }

@@ -51,7 +51,8 @@ inline constexpr std::uint16_t kEventAcquisitionStart = 0x9000;
 inline constexpr std::uint16_t kEventAcquisitionEnd = 0x9001;
 inline constexpr std::uint16_t kEventFrameTrigger = 0x9002;
 inline constexpr std::uint16_t kEventExposureEnd = 0x9003;
-using EventHook = std::function<void(std::uint16_t event_id, std::uint64_t block_id)>;
+using EventHook = std::function<void(std::uint16_t event_id, std::uint64_t block_id,
+                                     std::uint64_t timestamp)>;
 
 class Streamer {
   public:
@@ -74,6 +75,10 @@ class Streamer {
     void resend(const gev::PacketResendRequest& request);
     void send_test_packet();
 
+    // The camera's timestamp: nanoseconds (1 GHz ticks) since start or the last reset.
+    std::uint64_t now_ticks() const;
+    void reset_clock();
+
   private:
     struct SentBlock {
         std::uint64_t block_id;
@@ -89,7 +94,6 @@ class Streamer {
     void send_single(std::uint64_t block_id, std::uint32_t packet_id, std::uint16_t status,
                      std::uint16_t flags);
     std::uint64_t next_block_id();
-    std::uint64_t now_ticks() const;
     void finish_acquisition();
     void rebuild_packets(const ImageSettings& image);
     bool send_datagram(const std::uint8_t* data, std::size_t size);
@@ -116,7 +120,7 @@ class Streamer {
     bool gso_ok_ = true;
     std::mt19937 random_{12345};
     std::vector<std::uint8_t> scratch_;
-    const std::chrono::steady_clock::time_point epoch_ = std::chrono::steady_clock::now();
+    std::atomic<std::int64_t> epoch_ns_{0};  // steady_clock time of tick 0
     std::thread thread_;
 };
 
