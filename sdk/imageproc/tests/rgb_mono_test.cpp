@@ -50,12 +50,14 @@ TEST(MonoExamples, TwelveBitPackedWidening) {
 TEST(MonoExamples, TenBitPackedRoundTrip) {
     // Pack 10-bit pixels in the camera layout by hand and widen them back.
     const auto pixels = RandomSamples<uint16_t>(9, 12, 0x3FF);
-    std::vector<uint8_t> packed;
+    std::vector<uint8_t> packed((pixels.size() + 1) / 2 * 3);
     for (size_t i = 0; i < pixels.size(); i += 2) {
         const uint16_t a = pixels[i];
         const uint16_t b = i + 1 < pixels.size() ? pixels[i + 1] : 0;
-        packed.insert(packed.end(),
-                      {uint8_t(a >> 2), uint8_t((a & 3) | ((b & 3) << 4)), uint8_t(b >> 2)});
+        uint8_t* group = &packed[i / 2 * 3];
+        group[0] = uint8_t(a >> 2);
+        group[1] = uint8_t((a & 3) | ((b & 3) << 4));
+        group[2] = uint8_t(b >> 2);
     }
     GuardedBuffer<uint16_t> out(pixels.size());
     RyImageProcess::ConvertMono10PackedToMono16bit(packed.data(), 9, 1, out.data());
