@@ -103,10 +103,10 @@ bool FrameReceiverImpl::RebindForSettings() {
 bool FrameReceiverImpl::Start() {
     std::lock_guard lock(lifecycleMutex_);
     if (thread_.joinable()) {
-        if (!stopRequested_.load(std::memory_order_acquire)) {
+        if (Running() && !stopRequested_.load(std::memory_order_acquire)) {
             return true;
         }
-        // A callback stopped the thread; finish that stop before starting again.
+        // A callback stopped the thread, or one threw and ended it: finish that stop first.
         thread_.join();
         assembler_.CloseAll(false, nullptr);
     }

@@ -2,7 +2,9 @@
 // truncated and malformed datagrams, LAG mode, and stopping with a frame half received.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
+#include <stdexcept>
 #include <thread>
 
 #include "gvsp_test_sender.h"
@@ -222,6 +224,34 @@ TEST(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
     device.SendAll(BuildBlock({.blockId = 1}));
     ASSERT_TRUE(collector.WaitForFrames(1, kWaitMs));
     for (int i = 0; i < 2000 && receiver->Running(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_FALSE(receiver->Running());
+    ASSERT_TRUE(receiver->Start());
+    device.SendAll(BuildBlock({.blockId = 2}));
+    ASSERT_TRUE(collector.WaitForFrames(2, kWaitMs));
+    EXPECT_EQ(collector.Frames()[1].status, FrameStatus::Complete);
+    receiver->Stop(false, nullptr);
+}
+
+TEST(Robustness, ThrowingCallbackEndsTheThreadNotTheProcess) {
+    FrameCollector collector(4, 64 * 48);
+    ReceiverCallbacks callbacks = collector.Callbacks();
+    std::atomic<bool> throwNext{true};
+    callbacks.deliver = [&, forward = callbacks.deliver](const ReceivedFrame& frame) {
+        forward(frame);
+        if (throwNext.exchange(false)) {
+            throw std::runtime_error("lender failure");
+        }
+    };
+    ReceiverEndpoint endpoint;
+    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    auto receiver = FrameReceiver::Create(endpoint, NoResend(), callbacks, nullptr);
+    ASSERT_NE(receiver, nullptr);
+    ASSERT_TRUE(receiver->Start());
+    UdpSender device(kDeviceIp, receiver->LocalPort());
+    device.SendAll(BuildBlock({.blockId = 1}));
+    for (int i = 0; i < kWaitMs && receiver->Running(); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     EXPECT_FALSE(receiver->Running());
