@@ -23,6 +23,14 @@ const char* const kCachingMap = R"(
     <pSelected>Gain</pSelected></Enumeration>
   <IntReg Name="SelReg"><Address>20</Address><Length>4</Length><AccessMode>RW</AccessMode>
     <pPort>Device</pPort></IntReg>
+  <Enumeration Name="TapSelector"><EnumEntry Name="Tap1"><Value>0</Value></EnumEntry>
+    <EnumEntry Name="Tap2"><Value>1</Value></EnumEntry><pValue>TapReg</pValue>
+    <pSelected>BlackLevel</pSelected></Enumeration>
+  <IntReg Name="TapReg"><Address>36</Address><Length>4</Length><AccessMode>RW</AccessMode>
+    <pPort>Device</pPort></IntReg>
+  <Integer Name="BlackLevel"><pValue>BlackLevelRaw</pValue></Integer>
+  <IntReg Name="BlackLevelRaw"><Address>40</Address><Length>4</Length><AccessMode>RW</AccessMode>
+    <pPort>Device</pPort></IntReg>
   <IntReg Name="Gain"><Address>24</Address><Length>4</Length><AccessMode>RW</AccessMode>
     <pPort>Device</pPort></IntReg>
   <IntReg Name="Temperature"><Address>28</Address><Length>4</Length><AccessMode>RO</AccessMode>
@@ -82,6 +90,17 @@ TEST(Caching, InvalidatorsSelectorsAndDependencies) {
     f.Get<IEnumeration>("GainSelector")->FromString("Blue");
     EXPECT_EQ(gain->GetValue(), 77);
     EXPECT_EQ(f.Get<IInteger>("TwiceGain")->GetValue(), 154);
+
+    // The selected feature is a plain Integer; its register behind pValue must be re-read.
+    auto* blackLevel = f.Get<IInteger>("BlackLevel");
+    EXPECT_EQ(blackLevel->GetValue(), 0);
+    f.port.onWrite = [&](int64_t address, int64_t) {
+        if (address == 36) {
+            f.port.Poke32LittleEndian(40, f.port.Peek32LittleEndian(36) == 1 ? 11 : 0);
+        }
+    };
+    f.Get<IEnumeration>("TapSelector")->FromString("Tap2");
+    EXPECT_EQ(blackLevel->GetValue(), 11);
 
     int calls = 0;
     INode* guardedNode = f.map._GetNode("Guarded");

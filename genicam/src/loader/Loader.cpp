@@ -188,6 +188,7 @@ void Loader::Link() {
                     break;
                 case RefKind::Selecting:
                     owner->AddDependent(target);
+                    owner->AddSelected(target);
                     break;
                 case RefKind::Metadata:
                     break;

@@ -389,10 +389,27 @@ void Node::InvalidateWithDependents() {
         if (!node->callbacks_.empty()) {
             notify.push_back(node);
         }
+        for (Node* selected : node->selectedNodes_) {
+            selected->ClearCachesBelow(mark);
+        }
         pending.insert(pending.end(), node->dependents_.begin(), node->dependents_.end());
     }
     for (Node* node : notify) {
         node->FireCallbacks();
+    }
+}
+
+void Node::ClearCachesBelow(uint64_t mark) {
+    std::vector<Node*> pending{this};
+    while (!pending.empty()) {
+        Node* node = pending.back();
+        pending.pop_back();
+        if (node->clearMark_ == mark) {
+            continue;
+        }
+        node->clearMark_ = mark;
+        node->ResetCaches();
+        pending.insert(pending.end(), node->valueChildren_.begin(), node->valueChildren_.end());
     }
 }
 

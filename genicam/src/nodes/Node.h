@@ -126,6 +126,7 @@ class Node : public virtual INode {
     uint8_t& LoadColour() { return loadColour_; }
     void AddChild(Node* node);
     void AddValueChild(Node* node) { valueChildren_.push_back(node); }
+    void AddSelected(Node* node) { selectedNodes_.push_back(node); }
     const std::vector<Node*>& ValueChildren() const { return valueChildren_; }
     // Forgets cached register bytes and access mode of this node only.
     void ResetCaches();
@@ -199,7 +200,13 @@ class Node : public virtual INode {
     mutable EAccessMode cachedAccess_ = _UndefinedAccesMode;
     mutable bool accessBusy_ = false;
     mutable int8_t volatileState_ = -1;  // -1 unknown, 0 no, 1 yes, 2 being computed
+    // A selector switches what the device shows behind the selected features, often at the
+    // same register address, so the caches below a selected feature must go too.
+    void ClearCachesBelow(uint64_t mark);
+
+    std::vector<Node*> selectedNodes_;
     uint64_t visitMark_ = 0;
+    uint64_t clearMark_ = 0;
     uint8_t loadColour_ = 0;
     std::map<CallbackHandle, Callback> callbacks_;
     CallbackHandle nextCallback_ = 1;
