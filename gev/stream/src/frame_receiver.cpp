@@ -195,7 +195,7 @@ size_t FrameReceiverImpl::BatchSizeWanted() {
 }
 
 void FrameReceiverImpl::ReceiveLoop() {
-    ::prctl(PR_SET_TIMERSLACK, kTimerSlackNs);  // keeps the naps close to their length
+    ::prctl(PR_SET_TIMERSLACK, kTimerSlackNs);             // keeps the naps close to their length
     ::pthread_setname_np(::pthread_self(), "ry-gvsp-rx");  // found easily in top and perf
     uint64_t seenGeneration = 0;
     bool batchWasFull = false;

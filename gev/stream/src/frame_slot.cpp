@@ -25,7 +25,8 @@ void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packet
     packetBytes_ = packetBytes;
     firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
     linesSent_ = 0;
-    shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = resentPackets_ = 0;
+    shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = undersizedPackets_ = 0;
+    resentPackets_ = 0;
     withdrawnPackets_ = outOfBufferId_ = 0;
     bytesFilled_ = 0;
     // Until the packet size is known only the leader and packet 1 (always at offset 0) fit.
@@ -143,6 +144,7 @@ PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size
     }
     const bool isShort = packetBytes_ != 0 && size < packetBytes_;
     if (isShort && !AcceptShortPacket(packetId)) {
+        ++undersizedPackets_;
         return PlaceResult::Rejected;
     }
     CopyIn(packetId, static_cast<size_t>(offset), data, size);

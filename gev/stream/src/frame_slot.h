@@ -33,7 +33,10 @@ class FrameSlot {
     uint64_t BlockId() const { return blockId_; }
     const LentBuffer& Buffer() const { return buffer_; }
     uint32_t PacketBytes() const { return packetBytes_; }
-    bool HasOversizedPackets() const { return oversizedPackets_ != 0; }
+    // Packets longer than P, or several shorter ones, mean P is not the device's packet size.
+    bool PacketSizeRefuted() const {
+        return oversizedPackets_ != 0 || undersizedPackets_ + withdrawnPackets_ > 1;
+    }
     bool HasTrailer() const { return haveTrailer_; }
     // Packets first taken as the short last one and dropped when later packets showed up.
     uint32_t WithdrawnPackets() const { return withdrawnPackets_; }
@@ -102,6 +105,7 @@ class FrameSlot {
     uint32_t shortPacketId_ = 0;  // the one packet allowed to be shorter: it must be the last
     uint32_t shortPacketBytes_ = 0;
     uint32_t oversizedPackets_ = 0;
+    uint32_t undersizedPackets_ = 0;  // short packets refused because they were not the last
     uint32_t withdrawnPackets_ = 0;
     uint32_t outOfBufferId_ = 0;  // highest payload id that fell past the buffer
     uint32_t resentPackets_ = 0;

@@ -119,8 +119,8 @@ void FrameAssembler::Close(FrameSlot& slot) {
     pending_.packetsMissing += frame.missingPackets;
     pending_.packetsResent += frame.resentPackets;
     pending_.packetsRejected += slot.WithdrawnPackets();
-    if (slot.HasOversizedPackets()) {
-        // The device sends bigger packets than we placed by: learn the size again.
+    if (slot.PacketSizeRefuted()) {
+        // The device's packets do not have the size we placed by: learn it again.
         learnedPacketBytes_ = 0;
         packetSizeHintRefuted_ = true;
     }

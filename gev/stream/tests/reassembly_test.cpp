@@ -92,6 +92,24 @@ TEST(Reassembly, PacketSizeHintPlacesPacketsBeforeAnyFullPacketIsSeen) {
     ExpectExact(h.collector, h.collector.Frames()[0], block);
 }
 
+TEST(Reassembly, WrongPacketSizeHintIsUnlearnedAfterOneFrame) {
+    for (const uint32_t realBytes : {200u, 1400u}) {  // smaller and larger than the hint
+        ReceiverSettings settings = NoResend();
+        settings.packetSize = 1000 + 36;
+        Harness h(settings);
+        std::vector<Block> blocks;
+        for (uint64_t id = 1; id <= 3; ++id) {
+            blocks.push_back(BuildBlock({.blockId = id, .packetDataBytes = realBytes}));
+            h.device->SendAll(blocks.back());
+            ASSERT_TRUE(h.collector.WaitForFrames(id, kWaitMs)) << realBytes;
+        }
+        const auto frames = h.collector.Frames();
+        EXPECT_NE(frames[0].status, FrameStatus::Complete) << realBytes;
+        ExpectExact(h.collector, frames[1], blocks[1]);
+        ExpectExact(h.collector, frames[2], blocks[2]);
+    }
+}
+
 TEST(Reassembly, ExtendedIdsCarry64BitBlockIds) {
     Harness h(NoResend());
     const uint64_t bigId = 0x123456789ull;
