@@ -17,6 +17,19 @@ constexpr uint32_t AlignDown(uint64_t value) {
     return static_cast<uint32_t>(value & ~3ull);
 }
 
+// Runs `piece(done, count)` over [0, total) in pieces of at most `limit`, stopping at the
+// first failure.
+template <typename Piece>
+GC_ERROR ForEachPiece(size_t total, size_t limit, Piece&& piece) {
+    for (size_t done = 0; done < total;) {
+        const size_t count = std::min(total - done, limit);
+        if (const GC_ERROR rc = piece(done, count); rc != GC_ERR_SUCCESS)
+            return rc;
+        done += count;
+    }
+    return GC_ERR_SUCCESS;
+}
+
 }  // namespace
 
 GC_ERROR StatusToError(uint16_t status) {
@@ -70,11 +83,11 @@ uint16_t ControlChannel::NextRequestId() {
 
 // Caller holds mutex_. The same datagram (same request id) is sent again after each
 // per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend.
-GC_ERROR ControlChannel::Exchange(uint16_t command, std::span<const uint8_t> request,
+GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> request,
                                   uint16_t requestId, RequestBudget budget, Payload& answer) {
     const auto perAttempt = std::chrono::milliseconds(
         std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
-    const uint16_t expectedAck = ack_code_for(command);
+    const uint16_t expectedAck = ack_code_for(static_cast<uint16_t>(command));
     std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
     socket_.Drain();
     for (uint32_t attempt = 0; attempt < budget.attempts; ++attempt) {
@@ -120,26 +133,22 @@ GC_ERROR ControlChannel::ReadRegisters(std::span<const uint32_t> addresses,
         if (address % 4 != 0)
             return GC_ERR_INVALID_ADDRESS;
     std::lock_guard lock(mutex_);
-    for (size_t done = 0; done < addresses.size();) {
-        const size_t count = std::min(addresses.size() - done, kMaxReadRegCount);
-        const std::vector<uint32_t> piece(addresses.begin() + done,
-                                          addresses.begin() + done + count);
-        const uint16_t id = NextRequestId();
-        const auto request = make_readreg_command(id, piece);
-        if (!request)
-            return GC_ERR_INVALID_PARAMETER;
-        Payload answer;
-        const GC_ERROR rc =
-            Exchange(static_cast<uint16_t>(GvcpCommand::ReadReg), *request, id, budget_, answer);
-        if (rc != GC_ERR_SUCCESS)
-            return rc;
-        const auto read = decode_readreg_ack(answer);
-        if (!read || read->size() < count)
-            return GC_ERR_IO;
-        std::copy_n(read->begin(), count, values.begin() + done);
-        done += count;
-    }
-    return GC_ERR_SUCCESS;
+    return ForEachPiece(
+        addresses.size(), kMaxReadRegCount, [&](size_t done, size_t count) -> GC_ERROR {
+            const std::vector<uint32_t> piece(addresses.begin() + done,
+                                              addresses.begin() + done + count);
+            const uint16_t id = NextRequestId();
+            Payload answer;
+            const GC_ERROR rc = Exchange(GvcpCommand::ReadReg, *make_readreg_command(id, piece), id,
+                                         budget_, answer);
+            if (rc != GC_ERR_SUCCESS)
+                return rc;
+            const auto read = decode_readreg_ack(answer);
+            if (!read || read->size() < count)
+                return GC_ERR_IO;
+            std::copy_n(read->begin(), count, values.begin() + done);
+            return GC_ERR_SUCCESS;
+        });
 }
 
 GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value) {
@@ -151,10 +160,9 @@ GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value, Request
         return GC_ERR_INVALID_ADDRESS;
     std::lock_guard lock(mutex_);
     const uint16_t id = NextRequestId();
-    const auto request = make_readreg_command(id, {address});
     Payload answer;
     const GC_ERROR rc =
-        Exchange(static_cast<uint16_t>(GvcpCommand::ReadReg), *request, id, budget, answer);
+        Exchange(GvcpCommand::ReadReg, *make_readreg_command(id, {address}), id, budget, answer);
     if (rc != GC_ERR_SUCCESS)
         return rc;
     const auto read = decode_readreg_ack(answer);
@@ -171,23 +179,16 @@ GC_ERROR ControlChannel::WriteRegisters(std::span<const RegisterPair> writes) {
         if (pair.address % 4 != 0)
             return GC_ERR_INVALID_ADDRESS;
     std::lock_guard lock(mutex_);
-    for (size_t done = 0; done < writes.size();) {
-        const size_t count = std::min(writes.size() - done, kMaxWriteRegCount);
-        std::vector<RegisterWrite> piece;
-        for (size_t i = done; i < done + count; ++i)
-            piece.push_back({writes[i].address, writes[i].value});
-        const uint16_t id = NextRequestId();
-        const auto request = make_writereg_command(id, piece);
-        if (!request)
-            return GC_ERR_INVALID_PARAMETER;
-        Payload answer;
-        const GC_ERROR rc =
-            Exchange(static_cast<uint16_t>(GvcpCommand::WriteReg), *request, id, budget_, answer);
-        if (rc != GC_ERR_SUCCESS)
-            return rc;
-        done += count;
-    }
-    return GC_ERR_SUCCESS;
+    return ForEachPiece(writes.size(), kMaxWriteRegCount,
+                        [&](size_t done, size_t count) -> GC_ERROR {
+                            std::vector<RegisterWrite> piece;
+                            for (size_t i = done; i < done + count; ++i)
+                                piece.push_back({writes[i].address, writes[i].value});
+                            const uint16_t id = NextRequestId();
+                            Payload answer;
+                            return Exchange(GvcpCommand::WriteReg,
+                                            *make_writereg_command(id, piece), id, budget_, answer);
+                        });
 }
 
 GC_ERROR ControlChannel::WriteRegister(uint32_t address, uint32_t value) {
@@ -204,45 +205,37 @@ GC_ERROR ControlChannel::ReadAligned(uint32_t address, std::span<uint8_t> data) 
         return rc;
     }
     std::lock_guard lock(mutex_);
-    for (size_t done = 0; done < data.size();) {
-        const size_t count = std::min(data.size() - done, kMemoryChunk);
+    return ForEachPiece(data.size(), kMemoryChunk, [&](size_t done, size_t count) -> GC_ERROR {
         const uint32_t at = address + static_cast<uint32_t>(done);
         const uint16_t id = NextRequestId();
-        const auto request =
-            make_readmem_command(id, ReadMemRequest{at, static_cast<uint16_t>(count)});
         Payload answer;
         const GC_ERROR rc =
-            Exchange(static_cast<uint16_t>(GvcpCommand::ReadMem), request, id, budget_, answer);
+            Exchange(GvcpCommand::ReadMem,
+                     make_readmem_command(id, ReadMemRequest{at, static_cast<uint16_t>(count)}), id,
+                     budget_, answer);
         if (rc != GC_ERR_SUCCESS)
             return rc;
         const auto block = decode_readmem_ack(answer);
         if (!block || block->address != at || block->data.size() < count)
             return GC_ERR_IO;
         std::memcpy(data.data() + done, block->data.data(), count);
-        done += count;
-    }
-    return GC_ERR_SUCCESS;
+        return GC_ERR_SUCCESS;
+    });
 }
 
 GC_ERROR ControlChannel::WriteAligned(uint32_t address, std::span<const uint8_t> data) {
     if (data.size() == 4)
         return WriteRegister(address, load_be32(data.data()));
     std::lock_guard lock(mutex_);
-    for (size_t done = 0; done < data.size();) {
-        const size_t count = std::min(data.size() - done, kMemoryChunk);
+    return ForEachPiece(data.size(), kMemoryChunk, [&](size_t done, size_t count) -> GC_ERROR {
         const uint32_t at = address + static_cast<uint32_t>(done);
         const uint16_t id = NextRequestId();
         const auto request = make_writemem_command(id, at, data.subspan(done, count));
         if (!request)
             return GC_ERR_INVALID_PARAMETER;
         Payload answer;
-        const GC_ERROR rc =
-            Exchange(static_cast<uint16_t>(GvcpCommand::WriteMem), *request, id, budget_, answer);
-        if (rc != GC_ERR_SUCCESS)
-            return rc;
-        done += count;
-    }
-    return GC_ERR_SUCCESS;
+        return Exchange(GvcpCommand::WriteMem, *request, id, budget_, answer);
+    });
 }
 
 GC_ERROR ControlChannel::ReadMemory(uint64_t address, std::span<uint8_t> data) {

@@ -59,58 +59,50 @@ RYGENTL_API GC_ERROR DevGetPort(DEV_HANDLE device, PORT_HANDLE* port) {
 
 RYGENTL_API GC_ERROR DevGetInfo(DEV_HANDLE device, DEVICE_INFO_CMD cmd, INFO_DATATYPE* type,
                                 void* buffer, size_t* size) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        return DeviceInfo(*module, cmd, type, buffer, size);
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        return DeviceInfo(*module, cmd, type, buffer, size);
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevGetNumDataStreams(DEV_HANDLE device, uint32_t* count) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!count)
-            return GC_ERR_INVALID_PARAMETER;
-        *count = module->StreamChannelCount();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        if (!count)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        *count = module->StreamChannelCount();
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevGetDataStreamID(DEV_HANDLE device, uint32_t index, char* id, size_t* size) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!size)
-            return GC_ERR_INVALID_PARAMETER;
-        if (index >= module->StreamChannelCount())
-            return GC_ERR_INVALID_PARAMETER;
-        return WriteText("Stream" + std::to_string(index), id, size);
-    });
+    return WithModule<DeviceModule>(
+        device, [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+            if (!size)
+                return GC_ERR_INVALID_PARAMETER;
+            if (index >= module->StreamChannelCount())
+                return GC_ERR_INVALID_PARAMETER;
+            return WriteText("Stream" + std::to_string(index), id, size);
+        });
 }
 
 RYGENTL_API GC_ERROR DevOpenDataStream(DEV_HANDLE device, const char* id, DS_HANDLE* stream) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!id || !stream)
-            return GC_ERR_INVALID_PARAMETER;
-        uint32_t channel = 0;
-        if (!ParseStreamId(id, module->StreamChannelCount(), channel))
-            return GC_ERR_INVALID_ID;
-        auto opened = std::make_shared<StreamModule>(module, channel);
-        if (!module->ClaimStream(opened))
-            return GC_ERR_RESOURCE_IN_USE;
-        if (const GC_ERROR rc = opened->Open(); rc != GC_ERR_SUCCESS)
-            return rc;
-        module->Interface()->AddStream(opened);
-        *stream = TheLibrary().handles.Add(std::move(opened));
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<DeviceModule>(
+        device, [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+            if (!id || !stream)
+                return GC_ERR_INVALID_PARAMETER;
+            uint32_t channel = 0;
+            if (!ParseStreamId(id, module->StreamChannelCount(), channel))
+                return GC_ERR_INVALID_ID;
+            auto opened = std::make_shared<StreamModule>(module, channel);
+            if (!module->ClaimStream(opened))
+                return GC_ERR_RESOURCE_IN_USE;
+            if (const GC_ERROR rc = opened->Open(); rc != GC_ERR_SUCCESS)
+                return rc;
+            module->Interface()->AddStream(opened);
+            *stream = TheLibrary().handles.Add(std::move(opened));
+            return GC_ERR_SUCCESS;
+        });
 }
 
 RYGENTL_API GC_ERROR DevClose(DEV_HANDLE device) {
@@ -126,82 +118,68 @@ RYGENTL_API GC_ERROR DevClose(DEV_HANDLE device) {
 }
 
 RYGENTL_API GC_ERROR CloseCCP(DEV_HANDLE device) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        return module->ReleasePrivilege();
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        return module->ReleasePrivilege();
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevSetMultiCastMode(DEV_HANDLE device, uint32_t enable, uint32_t multicastIp) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (enable && (multicastIp >> 28) != 0xE)
-            return GC_ERR_INVALID_PARAMETER;
-        module->SetMulticast(enable != 0, multicastIp);
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        if (enable && (multicastIp >> 28) != 0xE)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        module->SetMulticast(enable != 0, multicastIp);
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevSetHeartBeatTimeout(DEV_HANDLE device, uint32_t timeoutMs) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        return module->SetHeartbeatTimeout(timeoutMs);
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        return module->SetHeartbeatTimeout(timeoutMs);
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevGetHeartBeatTimeout(DEV_HANDLE device, uint32_t* timeoutMs) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!timeoutMs)
-            return GC_ERR_INVALID_PARAMETER;
-        *timeoutMs = module->HeartbeatTimeout();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        if (!timeoutMs)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        *timeoutMs = module->HeartbeatTimeout();
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevSetHeartBeatTimeoutCheckCount(DEV_HANDLE device, int32_t count) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        return module->SetHeartbeatCheckCount(count);
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        return module->SetHeartbeatCheckCount(count);
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevGetHeartBeatTimeoutCheckCount(DEV_HANDLE device, int32_t* count) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!count)
-            return GC_ERR_INVALID_PARAMETER;
-        *count = module->HeartbeatCheckCount();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<DeviceModule>(device,
+                                    [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+                                        if (!count)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        *count = module->HeartbeatCheckCount();
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR DevSetEventControl(DEV_HANDLE device, uint32_t eventId, const char* eventName,
                                         uint64_t eventNameLength, RY_EVENT_CALLBACK callback,
                                         void* context) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<DeviceModule>(device);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (eventId > 0xFFFF)
-            return GC_ERR_INVALID_PARAMETER;
-        std::string name;
-        if (eventName)
-            name.assign(eventName, strnlen(eventName, eventNameLength));
-        return module->SetEventRoute(static_cast<uint16_t>(eventId), name, callback, context);
-    });
+    return WithModule<DeviceModule>(
+        device, [&](const std::shared_ptr<DeviceModule>& module) -> GC_ERROR {
+            if (eventId > 0xFFFF)
+                return GC_ERR_INVALID_PARAMETER;
+            std::string name;
+            if (eventName)
+                name.assign(eventName, strnlen(eventName, eventNameLength));
+            return module->SetEventRoute(static_cast<uint16_t>(eventId), name, callback, context);
+        });
 }
 
 }  // extern "C"

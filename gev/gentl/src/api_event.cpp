@@ -74,45 +74,37 @@ RYGENTL_API GC_ERROR GCUnregisterEvent(EVENTSRC_HANDLE sourceOrEvent, EVENT_TYPE
 }
 
 RYGENTL_API GC_ERROR InitEvent(EVENT_HANDLE event) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<EventModule>(event);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        module->channel->ClearKill();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<EventModule>(event,
+                                   [&](const std::shared_ptr<EventModule>& module) -> GC_ERROR {
+                                       module->channel->ClearKill();
+                                       return GC_ERR_SUCCESS;
+                                   });
 }
 
 RYGENTL_API GC_ERROR EventGetData(EVENT_HANDLE event, void* buffer, size_t* size,
                                   uint64_t timeoutMs) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<EventModule>(event);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!buffer || !size)
-            return GC_ERR_INVALID_PARAMETER;
-        return module->channel->Wait(buffer, size, timeoutMs);
-    });
+    return WithModule<EventModule>(event,
+                                   [&](const std::shared_ptr<EventModule>& module) -> GC_ERROR {
+                                       if (!buffer || !size)
+                                           return GC_ERR_INVALID_PARAMETER;
+                                       return module->channel->Wait(buffer, size, timeoutMs);
+                                   });
 }
 
 RYGENTL_API GC_ERROR EventFlush(EVENT_HANDLE event) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<EventModule>(event);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        module->channel->Flush();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<EventModule>(event,
+                                   [&](const std::shared_ptr<EventModule>& module) -> GC_ERROR {
+                                       module->channel->Flush();
+                                       return GC_ERR_SUCCESS;
+                                   });
 }
 
 RYGENTL_API GC_ERROR EventKill(EVENT_HANDLE event) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<EventModule>(event);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        module->channel->Kill();
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<EventModule>(event,
+                                   [&](const std::shared_ptr<EventModule>& module) -> GC_ERROR {
+                                       module->channel->Kill();
+                                       return GC_ERR_SUCCESS;
+                                   });
 }
 
 }  // extern "C"

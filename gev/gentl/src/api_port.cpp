@@ -107,6 +107,35 @@ GC_ERROR CheckSettingSize(const void* buffer, const size_t* size) {
     return GC_ERR_SUCCESS;
 }
 
+GC_ERROR ReadSetting(SystemModule& system, uint64_t address, uint32_t& value) {
+    return ReadSystemSetting(*system.Settings(), address, value);
+}
+GC_ERROR ReadSetting(InterfaceModule& iface, uint64_t address, uint32_t& value) {
+    return ReadInterfaceSetting(*iface.State(), address, value);
+}
+GC_ERROR WriteSetting(SystemModule& system, uint64_t address, uint32_t value) {
+    return WriteSystemSetting(*system.Settings(), address, value);
+}
+GC_ERROR WriteSetting(InterfaceModule& iface, uint64_t address, uint32_t value) {
+    return WriteInterfaceSetting(*iface.State(), address, value);
+}
+
+// The system and interface ports hold 4-byte settings: checks the arguments and runs
+// `access` on whichever of the two modules `port` is.
+template <typename Access>
+GC_ERROR AccessSetting(PORT_HANDLE port, const void* buffer, size_t* size, Access&& access) {
+    const auto system = Find<SystemModule>(port);
+    const auto iface = system ? nullptr : Find<InterfaceModule>(port);
+    if (!system && !iface)
+        return GC_ERR_INVALID_HANDLE;
+    if (const GC_ERROR rc = CheckSettingSize(buffer, size); rc != GC_ERR_SUCCESS)
+        return rc;
+    const GC_ERROR rc = system ? access(*system) : access(*iface);
+    if (rc == GC_ERR_SUCCESS)
+        *size = sizeof(uint32_t);
+    return rc;
+}
+
 }  // namespace
 }  // namespace ry::gentl
 
@@ -116,25 +145,16 @@ extern "C" {
 
 RYGENTL_API GC_ERROR GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer, size_t* size) {
     return Guarded([&]() -> GC_ERROR {
-        if (!TheLibrary().handles.Contains(port))
-            return GC_ERR_INVALID_HANDLE;
         if (const auto device = Find<DeviceModule>(port)) {
             if (!buffer || !size || *size == 0)
                 return GC_ERR_INVALID_PARAMETER;
             return device->ReadPort(address, buffer, *size);
         }
-        if (const GC_ERROR rc = CheckSettingSize(buffer, size); rc != GC_ERR_SUCCESS)
-            return rc;
         uint32_t value = 0;
-        GC_ERROR rc = GC_ERR_INVALID_HANDLE;
-        if (const auto system = Find<SystemModule>(port))
-            rc = ReadSystemSetting(*system->Settings(), address, value);
-        else if (const auto iface = Find<InterfaceModule>(port))
-            rc = ReadInterfaceSetting(*iface->State(), address, value);
-        if (rc == GC_ERR_SUCCESS) {
+        const GC_ERROR rc = AccessSetting(
+            port, buffer, size, [&](auto& module) { return ReadSetting(module, address, value); });
+        if (rc == GC_ERR_SUCCESS)
             std::memcpy(buffer, &value, sizeof value);
-            *size = sizeof value;
-        }
         return rc;
     });
 }
@@ -142,25 +162,16 @@ RYGENTL_API GC_ERROR GCReadPort(PORT_HANDLE port, uint64_t address, void* buffer
 RYGENTL_API GC_ERROR GCWritePort(PORT_HANDLE port, uint64_t address, const void* buffer,
                                  size_t* size) {
     return Guarded([&]() -> GC_ERROR {
-        if (!TheLibrary().handles.Contains(port))
-            return GC_ERR_INVALID_HANDLE;
         if (const auto device = Find<DeviceModule>(port)) {
             if (!buffer || !size || *size == 0)
                 return GC_ERR_INVALID_PARAMETER;
             return device->WritePort(address, buffer, *size);
         }
-        if (const GC_ERROR rc = CheckSettingSize(buffer, size); rc != GC_ERR_SUCCESS)
-            return rc;
-        uint32_t value = 0;
-        std::memcpy(&value, buffer, sizeof value);
-        GC_ERROR rc = GC_ERR_INVALID_HANDLE;
-        if (const auto system = Find<SystemModule>(port))
-            rc = WriteSystemSetting(*system->Settings(), address, value);
-        else if (const auto iface = Find<InterfaceModule>(port))
-            rc = WriteInterfaceSetting(*iface->State(), address, value);
-        if (rc == GC_ERR_SUCCESS)
-            *size = sizeof value;
-        return rc;
+        return AccessSetting(port, buffer, size, [&](auto& module) {
+            uint32_t value = 0;
+            std::memcpy(&value, buffer, sizeof value);
+            return WriteSetting(module, address, value);
+        });
     });
 }
 

@@ -9,12 +9,9 @@ namespace {
 
 template <typename Body>
 GC_ERROR WithStream(DS_HANDLE stream, Body&& body) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<StreamModule>(stream);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        return body(*module);
-    });
+    return WithModule<StreamModule>(
+        stream,
+        [&](const std::shared_ptr<StreamModule>& module) -> GC_ERROR { return body(*module); });
 }
 
 }  // namespace

@@ -117,73 +117,63 @@ RYGENTL_API GC_ERROR TLClose(TL_HANDLE system) {
 }
 
 RYGENTL_API GC_ERROR TLUpdateInterfaceList(TL_HANDLE system, bool8_t* changed, uint64_t) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<SystemModule>(system);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        bool differs = false;
-        module->UpdateInterfaces(&differs);
-        if (changed)
-            *changed = differs;
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<SystemModule>(system,
+                                    [&](const std::shared_ptr<SystemModule>& module) -> GC_ERROR {
+                                        bool differs = false;
+                                        module->UpdateInterfaces(&differs);
+                                        if (changed)
+                                            *changed = differs;
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR TLGetNumInterfaces(TL_HANDLE system, uint32_t* count) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<SystemModule>(system);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!count)
-            return GC_ERR_INVALID_PARAMETER;
-        *count = static_cast<uint32_t>(module->InterfaceCount());
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<SystemModule>(system,
+                                    [&](const std::shared_ptr<SystemModule>& module) -> GC_ERROR {
+                                        if (!count)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        *count = static_cast<uint32_t>(module->InterfaceCount());
+                                        return GC_ERR_SUCCESS;
+                                    });
 }
 
 RYGENTL_API GC_ERROR TLGetInterfaceID(TL_HANDLE system, uint32_t index, char* id, size_t* size) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<SystemModule>(system);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!size)
-            return GC_ERR_INVALID_PARAMETER;
-        const auto state = module->InterfaceAt(index);
-        if (!state)
-            return GC_ERR_INVALID_PARAMETER;
-        return WriteText(state->host.Id(), id, size);
-    });
+    return WithModule<SystemModule>(system,
+                                    [&](const std::shared_ptr<SystemModule>& module) -> GC_ERROR {
+                                        if (!size)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        const auto state = module->InterfaceAt(index);
+                                        if (!state)
+                                            return GC_ERR_INVALID_PARAMETER;
+                                        return WriteText(state->host.Id(), id, size);
+                                    });
 }
 
 RYGENTL_API GC_ERROR TLGetInterfaceInfo(TL_HANDLE system, const char* id, INTERFACE_INFO_CMD cmd,
                                         INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<SystemModule>(system);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!id || !size)
-            return GC_ERR_INVALID_PARAMETER;
-        const auto state = module->FindInterface(id);
-        if (!state)
-            return GC_ERR_INVALID_ID;
-        return QueryInterfaceInfo(state->host, cmd, type, buffer, size);
-    });
+    return WithModule<SystemModule>(
+        system, [&](const std::shared_ptr<SystemModule>& module) -> GC_ERROR {
+            if (!id || !size)
+                return GC_ERR_INVALID_PARAMETER;
+            const auto state = module->FindInterface(id);
+            if (!state)
+                return GC_ERR_INVALID_ID;
+            return QueryInterfaceInfo(state->host, cmd, type, buffer, size);
+        });
 }
 
 RYGENTL_API GC_ERROR TLOpenInterface(TL_HANDLE system, const char* id, IF_HANDLE* iface) {
-    return Guarded([&]() -> GC_ERROR {
-        const auto module = Find<SystemModule>(system);
-        if (!module)
-            return GC_ERR_INVALID_HANDLE;
-        if (!id || !iface)
-            return GC_ERR_INVALID_PARAMETER;
-        auto state = module->FindInterface(id);
-        if (!state)
-            return GC_ERR_INVALID_ID;
-        *iface = TheLibrary().handles.Add(
-            std::make_shared<InterfaceModule>(std::move(state), module->Settings()));
-        return GC_ERR_SUCCESS;
-    });
+    return WithModule<SystemModule>(
+        system, [&](const std::shared_ptr<SystemModule>& module) -> GC_ERROR {
+            if (!id || !iface)
+                return GC_ERR_INVALID_PARAMETER;
+            auto state = module->FindInterface(id);
+            if (!state)
+                return GC_ERR_INVALID_ID;
+            *iface = TheLibrary().handles.Add(
+                std::make_shared<InterfaceModule>(std::move(state), module->Settings()));
+            return GC_ERR_SUCCESS;
+        });
 }
 
 }  // extern "C"

@@ -43,4 +43,15 @@ std::shared_ptr<T> Find(const void* handle) {
     return TheLibrary().handles.Find<T>(handle);
 }
 
+// Runs one C entry point on the module behind `handle`, or answers GC_ERR_INVALID_HANDLE.
+template <typename T, typename Body>
+GC_ERROR WithModule(const void* handle, Body&& body) noexcept {
+    return Guarded([&]() -> GC_ERROR {
+        const auto module = Find<T>(handle);
+        if (!module)
+            return GC_ERR_INVALID_HANDLE;
+        return body(module);
+    });
+}
+
 }  // namespace ry::gentl

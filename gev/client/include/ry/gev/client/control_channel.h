@@ -12,6 +12,7 @@
 
 #include "RyGenTLErrors.h"
 #include "ry/gev/client/udp_socket.h"
+#include "ry/gev/protocol/gvcp.h"
 
 namespace ry::gev::client {
 
@@ -58,7 +59,7 @@ class ControlChannel {
 
   private:
     using Payload = std::vector<uint8_t>;
-    GC_ERROR Exchange(uint16_t command, std::span<const uint8_t> request, uint16_t requestId,
+    GC_ERROR Exchange(GvcpCommand command, std::span<const uint8_t> request, uint16_t requestId,
                       RequestBudget budget, Payload& answer);
     uint16_t NextRequestId();
     GC_ERROR ReadAligned(uint32_t address, std::span<uint8_t> data);
