@@ -64,6 +64,7 @@ class FrameAssembler {
 
     void MarkOlderFramesDue(TimePoint now);
     void ServiceSlot(FrameSlot& slot, TimePoint now);
+    TimePoint NextActionAt(const FrameSlot& slot) const;
     void StartResendRound(FrameSlot& slot, TimePoint now);
     uint32_t RequestMissing(FrameSlot& slot, uint32_t first, uint32_t last);
     void Close(FrameSlot& slot);

@@ -149,18 +149,27 @@ void FrameAssembler::CloseAll(bool discard,
     Publish();
 }
 
+// When ServiceSlot will next have something to do for this frame; mirrors its decisions so
+// the thread never wakes for nothing (or spins on a deadline it will not act upon).
+TimePoint FrameAssembler::NextActionAt(const FrameSlot& slot) const {
+    const TimePoint timeout = slot.openedAt + Millis(settings_.imageTimeoutMs);
+    const bool mayAsk = settings_.resendEnabled && !slot.resendRefused;
+    TimePoint action = TimePoint::max();
+    if (slot.resendDue && (!mayAsk || slot.resendRounds == 0)) {
+        action = slot.lastPacketAt + kReorderGrace;
+    } else if (mayAsk) {
+        action = slot.resendRounds == 0 ? slot.lastPacketAt + Millis(settings_.resendTimeoutMs)
+                                        : slot.nextResendAt;
+    }
+    return std::min(timeout, action);
+}
+
 int FrameAssembler::MillisecondsToNextDeadline(TimePoint now, int idleMs) const {
     TimePoint next = now + Millis(static_cast<uint32_t>(idleMs));
     for (const FrameSlot& slot : slots_) {
-        if (!slot.Active()) {
-            continue;
+        if (slot.Active()) {
+            next = std::min(next, NextActionAt(slot));
         }
-        next = std::min(next, slot.openedAt + Millis(settings_.imageTimeoutMs));
-        const auto firstWait = slot.resendDue ? std::chrono::milliseconds(kReorderGrace)
-                                              : Millis(settings_.resendTimeoutMs);
-        const TimePoint resendAt =
-            slot.resendRounds == 0 ? slot.lastPacketAt + firstWait : slot.nextResendAt;
-        next = std::min(next, resendAt);
     }
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next - now).count();
     return static_cast<int>(std::clamp<int64_t>(wait, 0, idleMs));
