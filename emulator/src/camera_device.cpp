@@ -112,7 +112,13 @@ void CameraDevice::fire_external_trigger() {
 // Runs on the stream thread: it touches only the message channel, never the registers.
 void CameraDevice::post_event(std::uint16_t event_id, std::uint64_t block_id,
                               std::uint64_t timestamp) {
-    messages_->post(event_id, block_id, timestamp);
+    std::vector<std::uint8_t> data;
+    if (event_id == kEventExposureEnd) {
+        // The end of exposure carries the camera's frame count as event data.
+        data.resize(4);
+        gev::store_be32(data.data(), static_cast<std::uint32_t>(counters_.frames.load()));
+    }
+    messages_->post(event_id, block_id, timestamp, std::move(data));
 }
 
 // ---- control privilege ---------------------------------------------------------------------

@@ -53,14 +53,15 @@ std::uint64_t MessageChannel::events_acknowledged() const {
     return acknowledged_;
 }
 
-void MessageChannel::post(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp) {
+void MessageChannel::post(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp,
+                          std::vector<std::uint8_t> data) {
     {
         std::lock_guard lock(mutex_);
         if (settings_.destination.port == 0 || enabled_.count(event_id) == 0 ||
             queue_.size() >= kQueueLimit) {
             return;
         }
-        queue_.push_back(gev::EventItem{event_id, 0, block_id, timestamp, {}});
+        queue_.push_back(gev::EventItem{event_id, 0, block_id, timestamp, std::move(data)});
     }
     wake_.notify_all();
 }
@@ -79,7 +80,9 @@ void MessageChannel::run() {
         req_id_ = gev::next_req_id(req_id_);
         const std::uint16_t req_id = req_id_;
         lock.unlock();
-        const auto command = gev::make_event_command(req_id, settings.extended_ids, {item});
+        const auto command = item.data.empty()
+                                 ? gev::make_event_command(req_id, settings.extended_ids, {item})
+                                 : gev::make_eventdata_command(req_id, settings.extended_ids, item);
         const bool acked = !silent && command && deliver(*command, req_id, settings);
         lock.lock();
         acknowledged_ += acked ? 1 : 0;
@@ -100,8 +103,8 @@ bool MessageChannel::deliver(const std::vector<std::uint8_t>& command, std::uint
             const std::size_t n =
                 socket_.receive(buffer, from, static_cast<int>(std::max<long>(1, left.count())));
             const auto ack = gev::decode_ack_header({buffer, n});
-            if (n > 0 && ack && ack->ack_id == req_id &&
-                ack->acknowledge == static_cast<std::uint16_t>(gev::GvcpAck::Event)) {
+            const auto expected = gev::ack_code_for(gev::load_be16(command.data() + 2));
+            if (n > 0 && ack && ack->ack_id == req_id && ack->acknowledge == expected) {
                 return true;
             }
         }

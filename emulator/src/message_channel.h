@@ -34,8 +34,10 @@ class MessageChannel {
     bool enabled(std::uint16_t event_id) const;
     void set_silent(bool silent);  // a pulled cable: nothing leaves the camera
 
-    // Queues an event when the channel is open and the event is enabled.
-    void post(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp);
+    // Queues an event when the channel is open and the event is enabled. An event with data
+    // goes out as EVENTDATA, one without as EVENT.
+    void post(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp,
+              std::vector<std::uint8_t> data = {});
     std::uint64_t events_acknowledged() const;
 
   private:

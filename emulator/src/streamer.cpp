@@ -124,7 +124,9 @@ std::uint64_t Streamer::now_ticks() const {
     return static_cast<std::uint64_t>(steady_ns() - epoch_ns_.load());
 }
 
-void Streamer::reset_clock() { epoch_ns_ = steady_ns(); }
+void Streamer::reset_clock() {
+    epoch_ns_ = steady_ns();
+}
 
 std::uint64_t Streamer::next_block_id() {
     if (channel_.extended_ids) {

@@ -51,8 +51,8 @@ inline constexpr std::uint16_t kEventAcquisitionStart = 0x9000;
 inline constexpr std::uint16_t kEventAcquisitionEnd = 0x9001;
 inline constexpr std::uint16_t kEventFrameTrigger = 0x9002;
 inline constexpr std::uint16_t kEventExposureEnd = 0x9003;
-using EventHook = std::function<void(std::uint16_t event_id, std::uint64_t block_id,
-                                     std::uint64_t timestamp)>;
+using EventHook =
+    std::function<void(std::uint16_t event_id, std::uint64_t block_id, std::uint64_t timestamp)>;
 
 class Streamer {
   public:

@@ -121,12 +121,13 @@ TEST(Events, EnabledEventsArriveAndAreRepeatedUntilAcknowledged) {
         ASSERT_GT(n, 0u);
         const auto header = gev::decode_command_header({buffer.data(), n});
         ASSERT_TRUE(header);
-        EXPECT_EQ(header->command, 0x00C0);
-        const auto items = gev::decode_event_command(
+        EXPECT_EQ(header->command, 0x00C2);  // end of exposure comes with data
+        const auto items = gev::decode_eventdata_command(
             header->flags, *gev::command_payload({buffer.data(), n}, *header));
         ASSERT_TRUE(items);
         EXPECT_EQ((*items)[0].event_id, 0x9003);
         EXPECT_EQ((*items)[0].block_id, 1u);
+        EXPECT_EQ((*items)[0].data, (std::vector<std::uint8_t>{0, 0, 0, 1}));
         ids.push_back(header->req_id);
     }
     EXPECT_EQ(ids[0], ids[2]);
@@ -136,7 +137,7 @@ TEST(Events, EnabledEventsArriveAndAreRepeatedUntilAcknowledged) {
     const std::size_t n = host.receive(buffer, from, 1000);
     ASSERT_GT(n, 0u);
     const auto header = gev::decode_command_header({buffer.data(), n});
-    host.send_to(from, gev::make_ack(0, 0x00C1, header->req_id));
+    host.send_to(from, gev::make_ack(0, 0x00C3, header->req_id));
     EXPECT_EQ(host.receive(buffer, from, 300), 0u);
 }
 

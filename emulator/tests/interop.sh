@@ -38,6 +38,18 @@ stop_emulators() {
 }
 contains() { grep -q -- "$1" "$work/out"; }
 
+# The program itself: announces each camera, ends cleanly on SIGTERM, refuses bad options.
+start_emulator --address 127.0.0.7 --count 2 --serial P --model GigE_Connect || exit 1
+check "one line per camera" bash -c \
+    "grep -qx '127.0.0.7 GigE_Connect P' $work/emulator.out && grep -qx '127.0.0.8 GigE_Connect P-2' $work/emulator.out"
+kill -TERM "${pids[0]}"
+check "SIGTERM ends it cleanly" wait "${pids[0]}"
+pids=()
+check "unknown pixel format refused" bash -c \
+    "$emulator --pixel-format Mono9 2>&1 | grep -q 'unknown pixel format'"
+check "bad number refused with usage" bash -c "$emulator --fps fast 2>&1 | grep -q 'usage:';
+    $emulator --fps fast >/dev/null 2>&1; [ \$? -eq 2 ]"
+
 if ! command -v arv-tool-0.8 > /dev/null; then
     echo "SKIP arv-tool-0.8 is not installed (aravis-tools-cli): Aravis checks not run"
 else
