@@ -12,9 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "RyGenTL.h"
 #include "device_description.h"
-#include "private_network.h"
+#include "producer_fixture.h"
 
 extern char** environ;
 
@@ -23,19 +22,17 @@ namespace {
 
 constexpr const char* kFakeCamera = "/usr/bin/arv-fake-gv-camera-0.8";
 
-class AravisInteropTest : public ::testing::Test {
+class AravisInteropTest : public LibraryTest {
   protected:
     void SetUp() override {
         if (::access(kFakeCamera, X_OK) != 0)
             GTEST_SKIP() << kFakeCamera << " is not installed (Debian package aravis-tools)";
-        if (!ry::gev::testing::EnterPrivateNetwork())
-            GTEST_SKIP() << "needs a private network namespace (run as root)";
+        LibraryTest::SetUp();
+        if (IsSkipped() || HasFatalFailure())
+            return;
         char* const args[] = {const_cast<char*>(kFakeCamera), const_cast<char*>("-i"),
                               const_cast<char*>("127.0.0.1"), nullptr};
         ASSERT_EQ(::posix_spawn(&child_, kFakeCamera, nullptr, nullptr, args, environ), 0);
-        ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
-        ASSERT_EQ(TLOpen(&system_), GC_ERR_SUCCESS);
-        ASSERT_EQ(TLOpenInterface(system_, "lo-127.0.0.1", &iface_), GC_ERR_SUCCESS);
         // The fake camera needs a moment to bind its sockets.
         uint32_t count = 0;
         for (int attempt = 0; attempt < 30 && count == 0; ++attempt) {
@@ -47,8 +44,7 @@ class AravisInteropTest : public ::testing::Test {
     }
 
     void TearDown() override {
-        if (system_)
-            GCCloseLib();
+        LibraryTest::TearDown();
         if (child_ > 0) {
             ::kill(child_, SIGTERM);
             ::waitpid(child_, nullptr, 0);
@@ -76,23 +72,7 @@ class AravisInteropTest : public ::testing::Test {
         return std::string(bytes.begin(), bytes.end());
     }
 
-    uint32_t ReadBigEndian(DEV_HANDLE device, uint64_t address) {
-        uint8_t bytes[4] = {};
-        size_t size = sizeof bytes;
-        EXPECT_EQ(GCReadPort(device, address, bytes, &size), GC_ERR_SUCCESS);
-        return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (bytes[2] << 8) | bytes[3];
-    }
-
-    GC_ERROR WriteBigEndian(DEV_HANDLE device, uint64_t address, uint32_t value) {
-        const uint8_t bytes[4] = {uint8_t(value >> 24), uint8_t(value >> 16), uint8_t(value >> 8),
-                                  uint8_t(value)};
-        size_t size = sizeof bytes;
-        return GCWritePort(device, address, bytes, &size);
-    }
-
     pid_t child_ = -1;
-    TL_HANDLE system_ = nullptr;
-    IF_HANDLE iface_ = nullptr;
 };
 
 TEST_F(AravisInteropTest, DiscoversOpensReadsAndWrites) {

@@ -7,8 +7,7 @@
 #include <memory>
 #include <set>
 
-#include "RyGenTL.h"
-#include "private_network.h"
+#include "producer_fixture.h"
 #include "ry/emulator/camera.h"
 
 namespace ry::gentl::testing {
@@ -28,18 +27,10 @@ emulator::CameraConfig Config(const std::string& address, const std::string& ser
     return config;
 }
 
-class EmulatorTest : public ::testing::Test {
+class EmulatorTest : public LibraryTest {
   protected:
-    void SetUp() override {
-        if (!ry::gev::testing::EnterPrivateNetwork())
-            GTEST_SKIP() << "needs a private network namespace (run as root)";
-        ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
-        ASSERT_EQ(TLOpen(&system_), GC_ERR_SUCCESS);
-        ASSERT_EQ(TLOpenInterface(system_, "lo-127.0.0.1", &iface_), GC_ERR_SUCCESS);
-    }
     void TearDown() override {
-        if (system_)
-            GCCloseLib();
+        LibraryTest::TearDown();
         cameras_.clear();
     }
 
@@ -58,15 +49,10 @@ class EmulatorTest : public ::testing::Test {
 
   public:
     void WriteRegister(DEV_HANDLE device, uint64_t address, uint32_t value) {
-        const uint8_t bytes[4] = {uint8_t(value >> 24), uint8_t(value >> 16), uint8_t(value >> 8),
-                                  uint8_t(value)};
-        size_t size = sizeof bytes;
-        ASSERT_EQ(GCWritePort(device, address, bytes, &size), GC_ERR_SUCCESS);
+        ASSERT_EQ(WriteBigEndian(device, address, value), GC_ERR_SUCCESS);
     }
 
   protected:
-    TL_HANDLE system_ = nullptr;
-    IF_HANDLE iface_ = nullptr;
     std::vector<std::unique_ptr<emulator::Camera>> cameras_;
 };
 

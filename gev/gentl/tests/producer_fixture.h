@@ -27,7 +27,22 @@ inline TestCameraOptions CameraAt(uint32_t ip, std::string serial) {
     return options;
 }
 
-class ProducerTest : public ::testing::Test {
+// The library opened on loopback, and big-endian register access on a device port.
+class LibraryTest : public ::testing::Test {
+  public:
+    static uint32_t ReadBigEndian(DEV_HANDLE device, uint64_t address) {
+        uint8_t bytes[4] = {};
+        size_t size = sizeof bytes;
+        EXPECT_EQ(GCReadPort(device, address, bytes, &size), GC_ERR_SUCCESS);
+        return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (bytes[2] << 8) | bytes[3];
+    }
+    static GC_ERROR WriteBigEndian(DEV_HANDLE device, uint64_t address, uint32_t value) {
+        const uint8_t bytes[4] = {uint8_t(value >> 24), uint8_t(value >> 16), uint8_t(value >> 8),
+                                  uint8_t(value)};
+        size_t size = sizeof bytes;
+        return GCWritePort(device, address, bytes, &size);
+    }
+
   protected:
     void SetUp() override {
         if (!ry::gev::testing::EnterPrivateNetwork())
@@ -41,6 +56,12 @@ class ProducerTest : public ::testing::Test {
             GCCloseLib();
     }
 
+    TL_HANDLE system_ = nullptr;
+    IF_HANDLE iface_ = nullptr;
+};
+
+class ProducerTest : public LibraryTest {
+  protected:
     // Starts a camera at 127.0.0.<last> and returns its device identifier after discovery.
     std::string AddCamera(uint8_t last, TestCameraOptions options = {}) {
         std::string serial = "S";
@@ -65,8 +86,6 @@ class ProducerTest : public ::testing::Test {
 
     TestCamera& Camera(size_t index = 0) { return *cameras_.at(index); }
 
-    TL_HANDLE system_ = nullptr;
-    IF_HANDLE iface_ = nullptr;
     std::vector<std::unique_ptr<TestCamera>> cameras_;
 };
 
