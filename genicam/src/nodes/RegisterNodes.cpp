@@ -174,23 +174,27 @@ int64_t RegisterNode::GetLength() {
     return length;
 }
 
-void RegisterNode::ReadRegister(std::vector<uint8_t>& bytes, bool ignoreCache) {
+const std::vector<uint8_t>& RegisterNode::ReadRegister(bool ignoreCache) {
     RequireReadable();
     const int64_t address = GetAddress();
     const auto length = static_cast<size_t>(GetLength());
     RegisterCache& cache = *cache_;
     if (!ignoreCache && cache.valid && cache.address == address && cache.bytes.size() == length &&
         !IsVolatile()) {
-        bytes = cache.bytes;
-        return;
+        return cache.bytes;
     }
-    bytes.assign(length, 0);
-    portNode_->Read(bytes.data(), address, static_cast<int64_t>(length));
-    if (cachingMode_ != NoCache) {
-        cache.bytes = bytes;
+    // Read straight into the cache when the register may be cached; a failing read leaves
+    // the cache marked invalid.
+    const bool caching = cachingMode_ != NoCache;
+    std::vector<uint8_t>& target = caching ? cache.bytes : scratch_;
+    cache.valid = cache.valid && !caching;
+    target.assign(length, 0);
+    portNode_->Read(target.data(), address, static_cast<int64_t>(length));
+    if (caching) {
         cache.address = address;
         cache.valid = true;
     }
+    return target;
 }
 
 void RegisterNode::WriteRegister(const std::vector<uint8_t>& bytes) {
@@ -229,8 +233,7 @@ std::vector<uint8_t> RegisterNode::Disassemble(uint64_t value, size_t length) co
 }
 
 void RegisterNode::Get(uint8_t* buffer, int64_t length, bool, bool ignoreCache) {
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     if (buffer == nullptr || length < 0 || static_cast<size_t>(length) > bytes.size()) {
         throw InvalidArgumentException(std::string(name_),
                                        "buffer of " + std::to_string(length) +
@@ -253,8 +256,7 @@ void RegisterNode::Set(const uint8_t* buffer, int64_t length, bool) {
 }
 
 std::string RegisterNode::ToString(bool, bool ignoreCache) {
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     static const char kDigits[] = "0123456789abcdef";
     std::string text;
     text.reserve(bytes.size() * 2);
@@ -305,8 +307,7 @@ void IntRegNode::VisitReferences(const std::function<void(Ref&, RefKind)>& visit
 }
 
 Number IntRegNode::ReadNumber(bool ignoreCache) {
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     uint64_t value = Assemble(bytes);
     const size_t bits = bytes.size() * 8;
     if (signed_ && bits < 64 && (value >> (bits - 1)) & 1) {
@@ -400,8 +401,7 @@ Number MaskedIntRegNode::ReadNumber(bool ignoreCache) {
     if (!fieldValid_) {
         throw RuntimeException(std::string(name_), "bit field does not fit the register");
     }
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     const int width = Width();
     uint64_t value = Assemble(bytes) >> low_;
     if (width < 64) {
@@ -423,8 +423,7 @@ void MaskedIntRegNode::WriteNumber(Number value, bool verify) {
     uint64_t registerValue = 0;
     // Other fields of the register must survive, so read it fresh unless it is write-only.
     if (IsReadable(GetAccessMode())) {
-        std::vector<uint8_t> bytes;
-        ReadRegister(bytes, true);
+        const std::vector<uint8_t>& bytes = ReadRegister(true);
         registerValue = Assemble(bytes);
     }
     const int width = Width();
@@ -459,8 +458,7 @@ void FloatRegNode::RequireValidLength() {
 
 Number FloatRegNode::ReadNumber(bool ignoreCache) {
     RequireValidLength();
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     const uint64_t bits = Assemble(bytes);
     if (bytes.size() == 4) {
         float value;
@@ -500,8 +498,7 @@ Number FloatRegNode::MaxNumber() {
 // ---- StringReg -------------------------------------------------------------------------
 
 std::string StringRegNode::GetValue(bool, bool ignoreCache) {
-    std::vector<uint8_t> bytes;
-    ReadRegister(bytes, ignoreCache);
+    const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     size_t end = 0;
     while (end < bytes.size() && bytes[end] != 0) {
         ++end;

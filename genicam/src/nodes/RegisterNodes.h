@@ -44,8 +44,9 @@ class RegisterNode : public Node, public virtual IRegister {
     void ClearCaches() override { cache_->valid = false; }
     bool IsVolatileSelf() const override;
 
-    // Reads the whole register (through the cache when allowed) into `bytes`.
-    void ReadRegister(std::vector<uint8_t>& bytes, bool ignoreCache);
+    // Reads the whole register, through the cache when allowed. The bytes stay valid until
+    // the next access to this register.
+    const std::vector<uint8_t>& ReadRegister(bool ignoreCache);
     void WriteRegister(const std::vector<uint8_t>& bytes);
     // Register value assembled from up to 8 bytes in the register's byte order.
     uint64_t Assemble(const std::vector<uint8_t>& bytes) const;
@@ -74,6 +75,7 @@ class RegisterNode : public Node, public virtual IRegister {
     Ref port_;
     PortNode* portNode_ = nullptr;
     std::shared_ptr<RegisterCache> cache_ = std::make_shared<RegisterCache>();
+    std::vector<uint8_t> scratch_;  // bytes of registers that are never cached
 };
 
 class IntRegNode : public RegisterNode {
