@@ -7,10 +7,14 @@ namespace ry::gev::stream::detail {
 
 namespace {
 
+// Bounds the bitmaps when a device sends tiny packets into a big buffer: 2 MiB of bits, as many
+// packets as 24-bit ids can number.
+constexpr uint64_t kMaxPacketIds = uint64_t{1} << 24;
+
 // Ids 0 (leader) .. N (last payload) and N + 1 (trailer) for a buffer cut into packets.
 uint32_t PacketIdsFor(size_t bufferBytes, uint32_t packetBytes) {
     const uint64_t payloadPackets = (uint64_t{bufferBytes} + packetBytes - 1) / packetBytes;
-    return static_cast<uint32_t>(std::min<uint64_t>(payloadPackets + 2, UINT32_MAX));
+    return static_cast<uint32_t>(std::min(payloadPackets + 2, kMaxPacketIds));
 }
 
 }  // namespace
@@ -137,7 +141,7 @@ PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size
     }
     // With the size unknown only packet 1 gets here, and it always starts the block.
     const uint64_t offset = packetBytes_ != 0 ? uint64_t{packetId - 1} * packetBytes_ : 0;
-    if (offset >= buffer_.size) {
+    if (offset >= buffer_.size || packetId >= received_.Size()) {
         // Only a packet the trailer confirms proves the block too big: a stray id does not.
         outOfBufferId_ = std::max(outOfBufferId_, packetId);
         return PlaceResult::OutOfBuffer;
