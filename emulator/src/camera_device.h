@@ -48,6 +48,15 @@ struct FeatureValues {
     std::uint32_t legacy_mode = 1, legacy_frame_count = 1;
 };
 
+// The last write command and its answer: a retry of it (same source, same bytes, the same
+// req_id) gets the same answer again instead of a second execution.
+struct AnsweredWrite {
+    Endpoint from;
+    std::vector<std::uint8_t> command;
+    std::vector<std::uint8_t> ack;
+    std::chrono::steady_clock::time_point at;
+};
+
 struct CommandOutcome {
     gev::GevStatus status = gev::GevStatus::Success;
     std::uint32_t slow_ms = 0;  // time the operation takes before it can be acknowledged
@@ -129,6 +138,7 @@ class CameraDevice {
     FeatureValues features_;
     SerialPort serial_;
     FileStore files_;
+    AnsweredWrite last_write_;
     Endpoint primary_;  // port 0: no primary application
     std::chrono::steady_clock::time_point last_primary_command_;
     std::uint32_t switchover_key_ = 0;

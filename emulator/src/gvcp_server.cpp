@@ -1,5 +1,6 @@
 #include <poll.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "camera_device.h"
@@ -14,6 +15,7 @@ using gev::GvcpCommand;
 namespace {
 
 constexpr int kPollMs = 20;  // also the resolution of the heartbeat check
+constexpr auto kRetryWindow = std::chrono::seconds(1);
 
 std::uint16_t code(GvcpCommand c) {
     return static_cast<std::uint16_t>(c);
@@ -77,13 +79,24 @@ void CameraDevice::handle_datagram(const UdpSocket& socket, Endpoint from, gev::
         return;  // only discovery and FORCEIP are meant for everyone
     }
     const auto payload = gev::command_payload(datagram, *header);
+    const bool is_write = header->command == code(GvcpCommand::WriteReg) ||
+                          header->command == code(GvcpCommand::WriteMem);
+    const auto now = std::chrono::steady_clock::now();
     CommandOutcome outcome;
     std::vector<std::uint8_t> ack;
     if (!payload) {
         ack = error_ack(GevStatus::InvalidHeader, *header);
+    } else if (is_write && last_write_.from == from && now - last_write_.at < kRetryWindow &&
+               std::equal(datagram.begin(), datagram.end(), last_write_.command.begin(),
+                          last_write_.command.end())) {
+        note_command_from(from);
+        ack = last_write_.ack;  // a retry: the host lost our answer, not the command
     } else {
         note_command_from(from);
         ack = execute(*header, *payload, from, outcome);
+        if (is_write) {
+            last_write_ = {from, {datagram.begin(), datagram.end()}, ack, now};
+        }
     }
     const bool answer = !ack.empty() && (header->flags & gev::kFlagAckRequired) != 0;
     lock.unlock();

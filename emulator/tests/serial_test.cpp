@@ -119,5 +119,22 @@ TEST(SerialRegisters, CommandOverGvcpWithRoundedReads) {
               static_cast<std::uint16_t>(gev::GevStatus::WriteProtect));
 }
 
+TEST(SerialRegisters, RetriedTransmitIsNotExecutedTwice) {
+    Camera camera(test_camera(10));
+    TestClient client(camera.address(), camera.control_port());
+    ASSERT_EQ(client.take_control(), 0);
+    const std::string reply = "gmn\r\nRyEmulator\r\n>";
+    const std::uint16_t id = client.next_id();
+    const auto command = *gev::make_writemem_command(id, 0x80104, transmit_block("gmn\r"));
+    const auto first = client.transact(command, id);
+    const auto retry = client.transact(command, id);  // as if the first answer was lost
+    ASSERT_TRUE(first && retry);
+    EXPECT_EQ(retry->status(), 0);
+    EXPECT_EQ(client.read_reg(0x80000), reply.size());
+    // A new request id is a new command.
+    ASSERT_EQ(client.write_mem(0x80104, transmit_block("gmn\r")), 0);
+    EXPECT_EQ(client.read_reg(0x80000), 2 * reply.size());
+}
+
 }  // namespace
 }  // namespace ry::emulator::testing
