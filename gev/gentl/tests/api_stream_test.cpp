@@ -276,5 +276,23 @@ TEST_F(StreamTest, BufferCallsRefuseBadArguments) {
     EXPECT_EQ(DSQueueBuffer(stream_, handles_[0]), GC_ERR_INVALID_HANDLE);
 }
 
+// LAG mode: a stream that arrives on another of the host's addresses is taken only when the
+// interface accepts every address.
+TEST_F(StreamTest, LinkAggregationAcceptsTheStreamOnAnyHostAddress) {
+    for (const uint32_t lag : {0u, 1u}) {
+        SetInterface(RY_IF_PORT_LAG_MODE, lag);
+        SetInterface(RY_IF_PORT_IMAGE_TIMEOUT_MS, 200);
+        OpenStream(1);
+        Camera().SetRegister(0x0D18, 0x7F000009);  // the device sends to another host address
+        Camera().SendFrame(kWidth, kHeight, Pattern(lag));
+        RY_NEW_BUFFER_DATA data{};
+        size_t size = sizeof data;
+        EXPECT_EQ(EventGetData(event_, &data, &size, 500), lag ? GC_ERR_SUCCESS : GC_ERR_TIMEOUT);
+        ASSERT_EQ(DevClose(device_), GC_ERR_SUCCESS);
+        cameras_.clear();
+        handles_.clear();
+    }
+}
+
 }  // namespace
 }  // namespace ry::gentl::testing

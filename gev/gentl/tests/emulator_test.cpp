@@ -203,5 +203,24 @@ TEST_F(EmulatorTest, SecondClientIsRefusedControlAndMayMonitor) {
     EXPECT_EQ(DevClose(owner), GC_ERR_SUCCESS);
 }
 
+TEST_F(EmulatorTest, MtuOptimisationNegotiatesTheLargestWorkingPacket) {
+    Start(Config("127.0.0.2", "MTU"));
+    const uint32_t on = 1;
+    size_t size = 4;
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_MTU_OPTIMIZE, &on, &size), GC_ERR_SUCCESS);
+    DEV_HANDLE device = Open("127.0.0.2");
+    ASSERT_NE(device, nullptr);
+    DS_HANDLE stream = nullptr;
+    ASSERT_EQ(DevOpenDataStream(device, "Stream0", &stream), GC_ERR_SUCCESS);
+    uint64_t packetSize = 0;
+    INFO_DATATYPE type = 0;
+    size = sizeof packetSize;
+    ASSERT_EQ(DSGetInfo(stream, STREAM_INFO_PACKET_SIZE, &type, &packetSize, &size),
+              GC_ERR_SUCCESS);
+    EXPECT_EQ(packetSize, 9000u);  // loopback carries jumbo packets
+    EXPECT_EQ(ReadBigEndian(device, 0x0D04) & 0xFFFF, 9000u);
+    EXPECT_NE(ReadBigEndian(device, 0x0D00) & 0xFFFF, 0u);  // pointed back at the receiver
+}
+
 }  // namespace
 }  // namespace ry::gentl::testing
