@@ -8,20 +8,11 @@
 #include <string>
 
 #include "ry/genicam/NodeMapRef.h"
+#include "ry/genicam/ZeroPort.h"
 
 namespace {
 
 using namespace RyGenApi;
-
-// Zero-filled register space that counts nothing and costs next to nothing.
-class ZeroPort : public IPort {
-  public:
-    EAccessMode GetAccessMode() const override { return RW; }
-    void Read(void* buffer, int64_t, int64_t length) override {
-        std::memset(buffer, 0, static_cast<size_t>(length));
-    }
-    void Write(const void*, int64_t, int64_t) override {}
-};
 
 std::string ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

@@ -9,18 +9,9 @@
 
 #include "ry/genicam/Exceptions.h"
 #include "ry/genicam/NodeMapRef.h"
+#include "ry/genicam/ZeroPort.h"
 
 namespace {
-
-// Every address reads as zero; writes are accepted and forgotten.
-class ZeroPort : public RyGenApi::IPort {
-  public:
-    RyGenApi::EAccessMode GetAccessMode() const override { return RyGenApi::RW; }
-    void Read(void* buffer, int64_t, int64_t length) override {
-        std::memset(buffer, 0, static_cast<size_t>(length));
-    }
-    void Write(const void*, int64_t, int64_t) override {}
-};
 
 bool EndsWith(const std::string& text, const char* suffix) {
     const size_t length = std::strlen(suffix);
@@ -63,7 +54,7 @@ int main(int argc, char** argv) {
     }
     const std::string path = argv[1];
     RyGenApi::CNodeMapRef map("Device");
-    ZeroPort port;
+    RyGenApi::ZeroPort port;
     try {
         if (EndsWith(path, ".zip")) {
             map._LoadXMLFromZIPFile(path);

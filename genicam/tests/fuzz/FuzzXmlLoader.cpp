@@ -5,19 +5,7 @@
 
 #include "ry/genicam/Exceptions.h"
 #include "ry/genicam/NodeMapRef.h"
-
-namespace {
-
-class ZeroPort : public RyGenApi::IPort {
-  public:
-    RyGenApi::EAccessMode GetAccessMode() const override { return RyGenApi::RW; }
-    void Read(void* buffer, int64_t, int64_t length) override {
-        std::memset(buffer, 0, static_cast<size_t>(length));
-    }
-    void Write(const void*, int64_t, int64_t) override {}
-};
-
-}  // namespace
+#include "ry/genicam/ZeroPort.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RyGenApi::CNodeMapRef map;
@@ -26,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const RyGenApi::GenericException&) {
         return 0;
     }
-    ZeroPort port;
+    RyGenApi::ZeroPort port;
     map._Connect(&port);
     RyGenApi::NodeList_t nodes;
     map._GetNodeMap()->GetNodes(nodes);
