@@ -52,26 +52,12 @@ RY_AVX2 inline void Store(void* p, __m256i v) {
     _mm256_storeu_si256(static_cast<__m256i*>(p), v);
 }
 
-// Cached stores go anywhere; streaming stores need a 32-byte aligned destination, write
-// around the caches and must be followed by a store fence before the output is handed over.
-enum class StoreKind { Cached, Streaming };
-
-template <StoreKind Kind>
-RY_AVX2 inline void Put(uint8_t* p, __m256i v) {
-    if constexpr (Kind == StoreKind::Streaming) {
-        _mm256_stream_si256(reinterpret_cast<__m256i*>(p), v);
-    } else {
-        Store(p, v);
-    }
-}
-
 // Writes 96 bytes held as 48 in the low lanes and 48 in the high lanes of three vectors:
 // the low lanes come first in memory.
-template <StoreKind Kind = StoreKind::Cached>
 RY_AVX2 inline void StoreLaneTriples(uint8_t* dst, __m256i o0, __m256i o1, __m256i o2) {
-    Put<Kind>(dst, _mm256_permute2x128_si256(o0, o1, 0x20));
-    Put<Kind>(dst + 32, _mm256_permute2x128_si256(o2, o0, 0x30));
-    Put<Kind>(dst + 64, _mm256_permute2x128_si256(o1, o2, 0x31));
+    Store(dst, _mm256_permute2x128_si256(o0, o1, 0x20));
+    Store(dst + 32, _mm256_permute2x128_si256(o2, o0, 0x30));
+    Store(dst + 64, _mm256_permute2x128_si256(o1, o2, 0x31));
 }
 
 // Interleaves three planes into 96 bytes of blue, green, red triples. SampleBytes is 1 (32
@@ -100,14 +86,13 @@ RY_AVX2 inline void StoreInterleaved3(uint8_t* dst, __m256i b, __m256i g, __m256
 }
 
 // Writes each of 32 bytes three times (96 bytes): grey to blue, green, red.
-template <StoreKind Kind = StoreKind::Cached>
 RY_AVX2 inline void StoreTripled(uint8_t* dst, __m256i grey) {
     static constexpr Mask32 kT0 = TripleMask(0);
     static constexpr Mask32 kT1 = TripleMask(1);
     static constexpr Mask32 kT2 = TripleMask(2);
-    StoreLaneTriples<Kind>(dst, _mm256_shuffle_epi8(grey, LoadMask(kT0)),
-                           _mm256_shuffle_epi8(grey, LoadMask(kT1)),
-                           _mm256_shuffle_epi8(grey, LoadMask(kT2)));
+    StoreLaneTriples(dst, _mm256_shuffle_epi8(grey, LoadMask(kT0)),
+                     _mm256_shuffle_epi8(grey, LoadMask(kT1)),
+                     _mm256_shuffle_epi8(grey, LoadMask(kT2)));
 }
 
 // 32 16-bit samples reduced to bytes ((sample >> Shift) & 0xFF), in memory order.

@@ -28,7 +28,6 @@ RY_AVX2 inline __m256i Pick(__m256i v, const Mask32& mask) {
 // next 48.
 struct SwapRedBlueRun {
     const uint8_t* src;
-    template <StoreKind Kind>
     RY_AVX2 void Vector(size_t first, uint8_t* dst) const {
         static constexpr Mask32 k00 = SwapMask(0, 0), k01 = SwapMask(0, 1);
         static constexpr Mask32 k10 = SwapMask(1, 0), k11 = SwapMask(1, 1), k12 = SwapMask(1, 2);
@@ -42,70 +41,56 @@ struct SwapRedBlueRun {
         const __m256i o1 =
             _mm256_or_si256(_mm256_or_si256(Pick(in0, k10), Pick(in1, k11)), Pick(in2, k12));
         const __m256i o2 = _mm256_or_si256(Pick(in1, k21), Pick(in2, k22));
-        StoreLaneTriples<Kind>(dst + first * 3, o0, o1, o2);
-    }
-    void Scalar(size_t i, uint8_t* dst) const {
-        dst[i * 3] = src[i * 3 + 2];
-        dst[i * 3 + 1] = src[i * 3 + 1];
-        dst[i * 3 + 2] = src[i * 3];
+        StoreLaneTriples(dst + first * 3, o0, o1, o2);
     }
 };
 
-inline void StoreGrey(uint8_t value, uint8_t* out) {
-    out[0] = value;
-    out[1] = value;
-    out[2] = value;
+// Control for output bytes 32 x part to 32 x part + 31 of 32 tripled pixels, picking from
+// a vector whose lanes hold pixels 0-15 or 16-31 as each output byte needs.
+constexpr Mask32 TripledPartMask(int part) {
+    Mask32 mask{};
+    for (int k = 0; k < 32; ++k) {
+        mask[k] = static_cast<uint8_t>(((part * 32 + k) / 3) % 16);
+    }
+    return mask;
 }
 
+// Each output vector draws on one lane's worth of pixels per lane: the first on pixels 0-15
+// in both lanes, the second on 0-15 and 16-31, the third on 16-31 in both. Loading the
+// sources that way leaves one in-lane shuffle per output vector and no lane crossing.
 struct TripleBytesRun {
     const uint8_t* src;
-    template <StoreKind Kind>
     RY_AVX2 void Vector(size_t first, uint8_t* dst) const {
-        StoreTripled<Kind>(dst + first * 3, Load(src + first));
+        static constexpr Mask32 k0 = TripledPartMask(0), k1 = TripledPartMask(1),
+                                k2 = TripledPartMask(2);
+        const uint8_t* in = src + first;
+        uint8_t* out = dst + first * 3;
+        const __m256i low =
+            _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in)));
+        const __m256i high =
+            _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 16)));
+        Store(out, Pick(low, k0));
+        Store(out + 32, Pick(Load(in), k1));
+        Store(out + 64, Pick(high, k2));
     }
-    void Scalar(size_t i, uint8_t* dst) const { StoreGrey(src[i], dst + i * 3); }
 };
 
 template <int Shift>
 struct TripleReducedRun {
     const uint8_t* src;
-    template <StoreKind Kind>
     RY_AVX2 void Vector(size_t first, uint8_t* dst) const {
-        StoreTripled<Kind>(dst + first * 3, LoadReducedBytes<Shift>(src + first * 2));
-    }
-    void Scalar(size_t i, uint8_t* dst) const {
-        const uint32_t sample = uint32_t{src[i * 2]} | (uint32_t{src[i * 2 + 1]} << 8);
-        StoreGrey(static_cast<uint8_t>(sample >> Shift), dst + i * 3);
+        StoreTripled(dst + first * 3, LoadReducedBytes<Shift>(src + first * 2));
     }
 };
 
-// Outputs at least this large are written around the caches: they would not stay in a
-// last-level cache slice anyway, and streaming saves reading every destination line in
-// before it is overwritten. Smaller outputs stay cached for whoever reads them next.
-constexpr size_t kStreamingOutputBytes = size_t{32} << 20;
-
-// Pixels done in runs of 32 from the start, three output bytes each. A large output first
-// takes single pixels up to a 32-byte aligned destination: 3 x 11 = 33, so 11 times the
-// missing bytes (mod 32) is the number of pixels that gets there.
+// Pixels done in runs of 32 from the start.
 template <class Run>
 RY_AVX2 size_t ConvertRuns(const Run& run, size_t pixels, uint8_t* dst) {
-    if (pixels * 3 < kStreamingOutputBytes) {
-        const size_t runs = pixels / 32;
-        for (size_t r = 0; r < runs; ++r) {
-            run.template Vector<StoreKind::Cached>(r * 32, dst);
-        }
-        return runs * 32;
-    }
-    const size_t head = (0 - reinterpret_cast<uintptr_t>(dst)) * 11 % 32;
-    for (size_t i = 0; i < head; ++i) {
-        run.Scalar(i, dst);
-    }
-    const size_t runs = (pixels - head) / 32;
+    const size_t runs = pixels / 32;
     for (size_t r = 0; r < runs; ++r) {
-        run.template Vector<StoreKind::Streaming>(head + r * 32, dst);
+        run.Vector(r * 32, dst);
     }
-    _mm_sfence();
-    return head + runs * 32;
+    return runs * 32;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-// AVX2 kernels for the RGB and mono members. Each converts the first pixels (or samples)
-// of the source, in runs of 32 after at most 31 single ones that align a large destination,
-// and returns how many it did; the caller finishes the rest. Callable only when the
-// processor supports AVX2.
+// AVX2 kernels for the RGB and mono members. Each converts whole runs of 32 pixels (or
+// samples) from the start and returns how many it did; the caller finishes the rest.
+// Callable only when the processor supports AVX2.
 #pragma once
 
 #include <cstddef>

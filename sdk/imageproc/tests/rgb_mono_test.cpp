@@ -159,8 +159,8 @@ TEST(MonoAgainstOracle, PackedWideningEveryPixelCount) {
     }
 }
 
-// Outputs of this size take the aligned, cache-bypassing path; the destination starts at
-// an odd address so that the single pixels before the first aligned run are exercised.
+// Full frames of the largest sensor size, written both to an aligned destination and to
+// one that starts at an odd address.
 TEST(MonoAgainstOracle, LargeFramesAtUnalignedDestinations) {
     const uint32_t pixels = 4096 * 3000;
     using Fn = void (*)(const uint8_t*, uint32_t, uint8_t*);
