@@ -1,5 +1,6 @@
 #include "message_channel.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace ry::emulator {
@@ -69,7 +70,7 @@ void MessageChannel::post(std::uint16_t event_id, std::uint64_t block_id, std::u
 void MessageChannel::run() {
     std::unique_lock lock(mutex_);
     while (true) {
-        wake_.wait(lock, [&] { return quit_ || !queue_.empty(); });
+        wake_.wait(lock, [&] { return quit_.load() || !queue_.empty(); });
         if (quit_) {
             return;
         }
@@ -92,16 +93,16 @@ void MessageChannel::run() {
 bool MessageChannel::deliver(const std::vector<std::uint8_t>& command, std::uint16_t req_id,
                              const MessageSettings& settings) {
     std::uint8_t buffer[64];
-    for (std::uint32_t attempt = 0; attempt <= settings.retries; ++attempt) {
+    for (std::uint32_t attempt = 0; attempt <= settings.retries && !quit_; ++attempt) {
         socket_.send_to(settings.destination, command);
         const auto deadline =
             std::chrono::steady_clock::now() + std::chrono::milliseconds(settings.timeout_ms);
-        while (std::chrono::steady_clock::now() < deadline) {
+        while (std::chrono::steady_clock::now() < deadline && !quit_) {
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
                 deadline - std::chrono::steady_clock::now());
             Endpoint from;
-            const std::size_t n =
-                socket_.receive(buffer, from, static_cast<int>(std::max<long>(1, left.count())));
+            const std::size_t n = socket_.receive(
+                buffer, from, static_cast<int>(std::clamp<long>(left.count(), 1, 50)));
             const auto ack = gev::decode_ack_header({buffer, n});
             const auto expected = gev::ack_code_for(gev::load_be16(command.data() + 2));
             if (n > 0 && ack && ack->ack_id == req_id && ack->acknowledge == expected) {

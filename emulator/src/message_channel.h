@@ -2,6 +2,7 @@
 // host acknowledges it or the retry count (MCRC) runs out, waiting MCTT between tries.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -55,7 +56,7 @@ class MessageChannel {
     std::uint16_t req_id_ = 1;
     std::uint64_t acknowledged_ = 0;
     bool silent_ = false;
-    bool quit_ = false;
+    std::atomic<bool> quit_{false};  // also ends a delivery that waits for its ack
     std::thread thread_;
 };
 

@@ -120,6 +120,16 @@ TEST_F(Stream, SoftwareAndExternalTriggersProduceOneFrameEach) {
     expect_block(pf::kMono8, 64, 32, 1464);
 }
 
+TEST_F(Stream, StreamHoldKeepsFramesUntilReleased) {
+    ASSERT_EQ(open_stream(client_, receiver_), 0);
+    ASSERT_EQ(client_.write_reg(reg::kStreamHold, 1), 0);
+    start(1);
+    EXPECT_FALSE(receiver_.next(300));
+    ASSERT_EQ(client_.write_reg(reg::kStreamHold, 0), 0);
+    expect_block(pf::kMono8, 64, 32, 1464);
+    EXPECT_EQ(client_.read_reg(reg::kFrameCapacity), reg::kFrameCapacityFrames);
+}
+
 TEST_F(Stream, ExtendedIdsUse64BitBlocksAndResendAnswersWithFlag) {
     ASSERT_EQ(client_.write_reg(0x0960, 0x40000000), 0);
     ASSERT_EQ(open_stream(client_, receiver_), 0);
