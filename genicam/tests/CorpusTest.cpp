@@ -109,6 +109,22 @@ TEST(Corpus, DumpToolPrintsOneLinePerNode) {
     EXPECT_NE(output.find("Enumeration\tIEnumeration\tRW\tEntry0\n"), std::string::npos);
     EXPECT_NE(output.find("StringNodeB\tIString\tRW\tHello World!\n"), std::string::npos);
 
+    const std::string zipped = "/tmp/ry-genicam-dump-test.zip";
+    {
+        std::ifstream plain(file, std::ios::binary);
+        const std::string text((std::istreambuf_iterator<char>(plain)),
+                               std::istreambuf_iterator<char>());
+        std::ofstream(zipped, std::ios::binary) << ZipOf("camera.xml", text);
+    }
+    FILE* zipPipe = popen((std::string(RY_GENICAM_DUMP) + " " + zipped).c_str(), "r");
+    std::string zipOutput;
+    while (size_t count = fread(buffer, 1, sizeof buffer, zipPipe)) {
+        zipOutput.append(buffer, count);
+    }
+    EXPECT_EQ(pclose(zipPipe), 0);
+    EXPECT_EQ(zipOutput, output);
+    std::remove(zipped.c_str());
+
     const std::string bad = "/tmp/ry-genicam-dump-bad.xml";
     std::ofstream(bad) << "<RegisterDescription><Integer Name=\"A\"><pValue>B</pValue></Integer>"
                           "</RegisterDescription>";

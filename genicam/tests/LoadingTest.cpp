@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <minizip/zip.h>
 
 #include <cstdio>
 #include <fstream>
@@ -10,24 +9,6 @@
 
 namespace RyGenApi::testing {
 namespace {
-
-// Builds a zip archive with one deflated member, through a temporary file.
-std::string ZipOf(const std::string& memberName, const std::string& content) {
-    char path[] = "/tmp/ry-genicam-zip-XXXXXX";
-    const int fd = mkstemp(path);
-    close(fd);
-    zipFile zip = zipOpen(path, APPEND_STATUS_CREATE);
-    zip_fileinfo info{};
-    zipOpenNewFileInZip(zip, memberName.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
-                        Z_BEST_COMPRESSION);
-    zipWriteInFileInZip(zip, content.data(), static_cast<unsigned>(content.size()));
-    zipCloseFileInZip(zip);
-    zipClose(zip, nullptr);
-    std::ifstream file(path, std::ios::binary);
-    std::string data((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    std::remove(path);
-    return data;
-}
 
 const char* const kSmallMap = R"(
   <Category Name="Root"><pFeature>Width</pFeature><pFeature>Mode</pFeature></Category>
@@ -129,6 +110,36 @@ TEST(Loading, FatalFaultsNameTheNode) {
     }
     CNodeMapRef wrongRoot;
     EXPECT_THROW(wrongRoot._LoadXMLFromString("<html><body/></html>"), RuntimeException);
+}
+
+TEST(Loading, HostileChainsFailWithoutExhaustingTheStack) {
+    std::string chain;
+    for (int i = 0; i < 5000; ++i) {
+        chain += "<Integer Name=\"V" + std::to_string(i) + "\"><pValue>V" + std::to_string(i + 1) +
+                 "</pValue></Integer>";
+    }
+    chain += "<Integer Name=\"V5000\"><Value>1</Value></Integer>";
+    CNodeMapRef values;
+    EXPECT_THROW(values._LoadXMLFromString(Describe(chain)), RuntimeException);
+
+    std::string locks;
+    for (int i = 0; i < 5000; ++i) {
+        locks += "<Integer Name=\"A" + std::to_string(i) + "\"><pIsAvailable>A" +
+                 std::to_string(i + 1) + "</pIsAvailable><Value>1</Value></Integer>";
+    }
+    locks += "<Integer Name=\"A5000\"><Value>1</Value></Integer>";
+    CNodeMapRef access;
+    access._LoadXMLFromString(Describe(locks));
+    auto* first = dynamic_cast<IInteger*>(access._GetNode("A0"));
+    EXPECT_NO_FATAL_FAILURE(first->GetAccessMode());
+    EXPECT_EQ(access._GetNode("A4990")->GetAccessMode(), RW);
+}
+
+TEST(Loading, KeepsUtf8Text) {
+    Fixture f(R"(<Float Name="Exposure"><ToolTip>Belichtung in µs</ToolTip><Value>1</Value>
+                 <Unit>µs</Unit></Float>)");
+    EXPECT_EQ(f.Get<IFloat>("Exposure")->GetUnit(), "\xC2\xB5s");
+    EXPECT_EQ(f.map._GetNode("Exposure")->GetToolTip(), "Belichtung in \xC2\xB5s");
 }
 
 TEST(Loading, ConnectsDeviceOrCameraPort) {

@@ -2,9 +2,15 @@
 // wrapper that turns a few node elements into a complete description document.
 #pragma once
 
+#include <minizip/zip.h>
+#include <unistd.h>
+
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -76,6 +82,24 @@ class MemoryPort : public IPort {
     int writes = 0;
     std::function<void(int64_t, int64_t)> onWrite;
 };
+
+// Builds a zip archive with one deflated member, through a temporary file.
+inline std::string ZipOf(const std::string& memberName, const std::string& content) {
+    char path[] = "/tmp/ry-genicam-zip-XXXXXX";
+    const int fd = mkstemp(path);
+    close(fd);
+    zipFile zip = zipOpen(path, APPEND_STATUS_CREATE);
+    zip_fileinfo info{};
+    zipOpenNewFileInZip(zip, memberName.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
+                        Z_BEST_COMPRESSION);
+    zipWriteInFileInZip(zip, content.data(), static_cast<unsigned>(content.size()));
+    zipCloseFileInZip(zip);
+    zipClose(zip, nullptr);
+    std::ifstream file(path, std::ios::binary);
+    std::string data((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    std::remove(path);
+    return data;
+}
 
 inline std::string Describe(const std::string& nodes, const char* schemaMinor = "1") {
     return std::string(

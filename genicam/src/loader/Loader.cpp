@@ -12,6 +12,11 @@
 namespace RyGenApi::detail {
 
 namespace {
+// Reading a value recurses along its references; real files chain a few dozen at most.
+constexpr size_t kMaxValueDepth = 500;
+}  // namespace
+
+namespace {
 
 std::unique_ptr<Node> MakeNode(NodeMapImpl& map, std::string_view kind, std::string_view name) {
     if (kind == "Integer") {
@@ -235,6 +240,11 @@ void Loader::CheckValueCycles() {
                     "reference cycle: " + std::string(child->NameView()) + " -> " + path);
             }
             if (child->LoadColour() == White) {
+                if (stack.size() >= kMaxValueDepth) {
+                    throw RuntimeException(
+                        std::string(child->NameView()),
+                        "chain of value references deeper than " + std::to_string(kMaxValueDepth));
+                }
                 child->LoadColour() = Grey;
                 stack.push_back({child, 0});
             }

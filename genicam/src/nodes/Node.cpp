@@ -7,6 +7,11 @@
 
 namespace RyGenApi::detail {
 
+namespace {
+// Bounds the native recursion of access-mode evaluation; real files nest a handful of levels.
+constexpr int kMaxAccessDepth = 400;
+}  // namespace
+
 Node::Node(NodeMapImpl& map, std::string_view name, EInterfaceType principal)
     : map_(map), name_(name), principal_(principal) {}
 
@@ -102,15 +107,22 @@ EAccessMode Node::GetAccessMode() const {
     if (accessBusy_) {
         return RW;  // a cycle through the access-mode inputs: the re-entered node counts as RW
     }
+    int& depth = map_.AccessDepth();
+    if (depth >= kMaxAccessDepth) {
+        throw RuntimeException(std::string(name_), "access-mode inputs nested too deeply");
+    }
     accessBusy_ = true;
+    ++depth;
     EAccessMode mode;
     try {
         mode = ComputeAccessMode();
     } catch (...) {
         accessBusy_ = false;
+        --depth;
         throw;
     }
     accessBusy_ = false;
+    --depth;
     if (!IsVolatile()) {
         cachedAccess_ = mode;
     }
@@ -427,23 +439,39 @@ void Node::AdvancePolling(int64_t elapsedMilliseconds, std::vector<Node*>& expir
     }
 }
 
+// Iterative post-order walk: reference chains in a hostile file may be arbitrarily long.
+// A node met again while its own walk is open (a cycle) contributes "not volatile".
 bool Node::IsVolatile() const {
     if (volatileState_ == 0 || volatileState_ == 1) {
         return volatileState_ == 1;
     }
-    if (volatileState_ == 2) {
-        return false;  // cycle: decided by the node that started the walk
-    }
+    struct Frame {
+        const Node* node;
+        size_t next;
+        bool result;
+    };
     volatileState_ = 2;
-    bool result = IsVolatileSelf();
-    for (const Node* child : children_) {
-        if (result) {
-            break;
+    std::vector<Frame> stack{{this, 0, IsVolatileSelf()}};
+    while (!stack.empty()) {
+        Frame& frame = stack.back();
+        if (!frame.result && frame.next < frame.node->children_.size()) {
+            const Node* child = frame.node->children_[frame.next++];
+            if (child->volatileState_ == 1) {
+                frame.result = true;
+            } else if (child->volatileState_ == -1) {
+                child->volatileState_ = 2;
+                stack.push_back({child, 0, child->IsVolatileSelf()});
+            }
+            continue;
         }
-        result = child->IsVolatile();
+        const bool result = frame.result;
+        frame.node->volatileState_ = result ? 1 : 0;
+        stack.pop_back();
+        if (result && !stack.empty()) {
+            stack.back().result = true;
+        }
     }
-    volatileState_ = result ? 1 : 0;
-    return result;
+    return volatileState_ == 1;
 }
 
 // ---- keyword tables ------------------------------------------------------------------

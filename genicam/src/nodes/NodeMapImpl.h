@@ -38,6 +38,8 @@ class NodeMapImpl : public INodeMap {
     bool IsNameTaken(std::string_view name) const { return byName_.count(name) != 0; }
     std::string_view Intern(std::string text);
     uint64_t NextVisitMark() { return ++visitMark_; }
+    // Nesting level of access-mode evaluations in progress.
+    int& AccessDepth() { return accessDepth_; }
     void Warn(std::string message) { warnings_.push_back(std::move(message)); }
     const std::vector<std::string>& Warnings() const { return warnings_; }
     const std::vector<std::unique_ptr<Node>>& Nodes() const { return nodes_; }
@@ -50,6 +52,7 @@ class NodeMapImpl : public INodeMap {
     std::deque<std::string> internedNames_;
     std::vector<std::string> warnings_;
     uint64_t visitMark_ = 0;
+    int accessDepth_ = 0;
 };
 
 }  // namespace RyGenApi::detail
