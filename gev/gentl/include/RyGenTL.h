@@ -64,8 +64,10 @@ enum INFO_DATATYPE_LIST {
 /* TLGetInterfaceInfo / IFGetInfo. */
 typedef int32_t INTERFACE_INFO_CMD;
 enum INTERFACE_INFO_CMD_LIST {
-    INTERFACE_INFO_ID = 0,             /* string: the interface identifier */
-    INTERFACE_INFO_DISPLAYNAME = 1,    /* string: "<address> <host interface name>" */
+    INTERFACE_INFO_ID = 0, /* string: the interface identifier */
+    /* string: "IF:<identifier> (<host interface name>, <address>)". Callers recover the
+     * identifier as the first word less its first three characters. */
+    INTERFACE_INFO_DISPLAYNAME = 1,
     INTERFACE_INFO_TLTYPE = 2,         /* string: "GEV" */
     INTERFACE_INFO_IP_ADDRESS = 1003,  /* string: dotted IPv4 address */
     INTERFACE_INFO_SUBNET_MASK = 1004, /* string: dotted IPv4 mask */

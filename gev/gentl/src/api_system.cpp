@@ -38,7 +38,11 @@ GC_ERROR InterfaceInfo(const client::HostInterface& host, INTERFACE_INFO_CMD cmd
         case INTERFACE_INFO_ID:
             return WriteInfoText(host.Id(), type, buffer, size);
         case INTERFACE_INFO_DISPLAYNAME:
-            return WriteInfoText(client::Ipv4ToText(host.ip) + " " + host.name, type, buffer, size);
+            // The first word less its first three characters must give the identifier back:
+            // that is how callers turn a listed name into something TLOpenInterface takes.
+            return WriteInfoText(
+                "IF:" + host.Id() + " (" + host.name + ", " + client::Ipv4ToText(host.ip) + ")",
+                type, buffer, size);
         case INTERFACE_INFO_TLTYPE:
             return WriteInfoText("GEV", type, buffer, size);
         case INTERFACE_INFO_IP_ADDRESS:

@@ -59,7 +59,7 @@ TEST_F(ProducerTest, ListsLoopbackWithNameAddressAndMask) {
     EXPECT_EQ(TLGetInterfaceID(system_, 1, id, &size), GC_ERR_INVALID_PARAMETER);
 
     const std::pair<INTERFACE_INFO_CMD, const char*> expected[] = {
-        {INTERFACE_INFO_DISPLAYNAME, "127.0.0.1 lo"},
+        {INTERFACE_INFO_DISPLAYNAME, "IF:lo-127.0.0.1 (lo, 127.0.0.1)"},
         {INTERFACE_INFO_IP_ADDRESS, "127.0.0.1"},
         {INTERFACE_INFO_SUBNET_MASK, "255.0.0.0"}};
     for (const auto& [cmd, text] : expected) {
