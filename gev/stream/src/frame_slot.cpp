@@ -113,24 +113,37 @@ bool FrameSlot::AcceptShortPacket(uint32_t packetId) {
     return true;
 }
 
+// Learns the packet size from what this block has shown so far; false when this packet
+// cannot be placed yet.
+bool FrameSlot::KnowsPacketBytes(uint32_t packetId, size_t size) {
+    if (packetBytes_ != 0) {
+        return true;
+    }
+    if (packetId == 1) {
+        firstPacketBytes_ = static_cast<uint32_t>(size);
+        if (highestPayloadId_ > 1) {  // a later packet exists, so packet 1 was full
+            LearnPacketBytes(firstPacketBytes_);
+        }
+        return true;  // packet 1 starts the block whatever the size
+    }
+    if (firstPacketBytes_ != 0) {
+        LearnPacketBytes(firstPacketBytes_);
+        return true;
+    }
+    if (haveTrailer_ && packetId < lastPayloadId_) {  // not the last, so full
+        LearnPacketBytes(static_cast<uint32_t>(size));
+        return true;
+    }
+    highestPayloadId_ = std::max(highestPayloadId_, packetId);
+    return false;
+}
+
 PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size_t size) {
     if (packetId == 0 || size == 0 || (haveTrailer_ && packetId > lastPayloadId_)) {
         return PlaceResult::Rejected;
     }
-    if (packetBytes_ == 0) {
-        if (packetId == 1) {
-            firstPacketBytes_ = static_cast<uint32_t>(size);
-            if (highestPayloadId_ > 1) {
-                LearnPacketBytes(firstPacketBytes_);
-            }
-        } else if (firstPacketBytes_ != 0) {
-            LearnPacketBytes(firstPacketBytes_);
-        } else if (haveTrailer_ && packetId < lastPayloadId_) {
-            LearnPacketBytes(static_cast<uint32_t>(size));
-        } else {
-            highestPayloadId_ = std::max(highestPayloadId_, packetId);
-            return PlaceResult::Unplaceable;
-        }
+    if (!KnowsPacketBytes(packetId, size)) {
+        return PlaceResult::Unplaceable;
     }
     if (packetBytes_ != 0 && size > packetBytes_) {
         ++oversizedPackets_;

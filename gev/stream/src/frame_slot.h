@@ -84,6 +84,7 @@ class FrameSlot {
   private:
     bool Overflowed() const;
     void LearnPacketBytes(uint32_t packetBytes);
+    bool KnowsPacketBytes(uint32_t packetId, size_t size);
     void ForgetShortPacket();
     bool AcceptShortPacket(uint32_t packetId);
     void CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, size_t size);
