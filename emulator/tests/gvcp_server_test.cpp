@@ -1,6 +1,8 @@
 // The control channel against a test client over real UDP on loopback.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "feature_registers.h"
 #include "test_client.h"
 
@@ -117,6 +119,42 @@ TEST_F(GvcpServer, MalformedAndUnknownCommandsGetErrorsNotCrashes) {
     std::vector<std::uint8_t> junk(600, 0x42);
     client_.send_raw(junk);
     EXPECT_EQ(client_.read_reg(0x0938), 3000u);  // still answering
+}
+
+TEST_F(GvcpServer, SurvivesRandomCommands) {
+    ASSERT_EQ(client_.take_control(), 0);
+    std::mt19937 random(7);
+    const std::uint16_t commands[] = {0x0002, 0x0004, 0x0040, 0x0080, 0x0082, 0x0084, 0x0086};
+    // Addresses near the interesting regions, so that the random writes reach real handlers.
+    const std::uint32_t bases[] = {0x0000, 0x0600, 0x30000, 0x30100, 0x31000, 0x80000, 0x100000};
+    for (int i = 0; i < 3000; ++i) {
+        std::vector<std::uint8_t> payload(random() % 64);
+        for (auto& b : payload) {
+            b = static_cast<std::uint8_t>(random());
+        }
+        if (payload.size() >= 4 && random() % 2 == 0) {
+            const std::uint32_t address = bases[random() % 7] + (random() % 0x200);
+            gev::store_be32(payload.data(), address & ~3u);
+        }
+        // Never touch privilege or channel registers: a random destination address must not
+        // make the camera send anywhere but loopback.
+        bool channel_register = false;
+        for (std::size_t off = 0; off + 4 <= payload.size(); off += 4) {
+            const std::uint32_t word = gev::load_be32(payload.data() + off);
+            channel_register |= word >= 0x0900 && word < 0x0E00;
+        }
+        const std::uint16_t command = commands[random() % 7];
+        if (channel_register ||
+            (command == 0x0086 && payload.size() >= 4 && gev::load_be32(payload.data()) < 0x0E00)) {
+            continue;
+        }
+        auto datagram = gev::make_command(command, 0, 1, payload);
+        if (random() % 4 == 0) {
+            datagram.resize(random() % datagram.size());  // truncated
+        }
+        client_.send_raw(datagram);
+    }
+    EXPECT_EQ(client_.read_reg(0x0A00), 2u);
 }
 
 TEST_F(GvcpServer, WithoutAckFlagNothingIsSent) {
