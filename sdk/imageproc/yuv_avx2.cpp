@@ -16,7 +16,7 @@ constexpr uint8_t kZero = 0x80;
 
 // Clamping to 0..255 and then truncating gives the same byte as truncating toward zero and
 // then saturating, which the narrowing packs do: every result lies well inside the 32-bit
-// range (-180 to 434), and a negative value truncates to at most 0.
+// range (about -227 to 480), and a negative value truncates to at most 0.
 RY_AVX2 inline __m256i Truncate(__m256 x) {
     return _mm256_cvttps_epi32(x);
 }
