@@ -34,12 +34,17 @@ void FrameAssembler::Publish() {
     pending_ = ReceiverCounters{};
 }
 
-FrameSlot* FrameAssembler::FindSlot(uint64_t blockId) {
-    if (lastSlot_ != nullptr && lastSlot_->Active() && lastSlot_->BlockId() == blockId) {
+// Block ids of the two id modes are different blocks: a device switched to extended ids
+// starts again at 1.
+FrameSlot* FrameAssembler::FindSlot(uint64_t blockId, bool extendedIds) {
+    const auto matches = [&](const FrameSlot& slot) {
+        return slot.Active() && slot.BlockId() == blockId && slot.ExtendedIds() == extendedIds;
+    };
+    if (lastSlot_ != nullptr && matches(*lastSlot_)) {
         return lastSlot_;
     }
     for (FrameSlot& slot : slots_) {
-        if (slot.Active() && slot.BlockId() == blockId) {
+        if (matches(slot)) {
             lastSlot_ = &slot;
             return &slot;
         }
@@ -107,7 +112,7 @@ FrameSlot* FrameAssembler::OpenBlock(const GvspPacket& packet, TimePoint now) {
     if (buffer.data == nullptr) {
         buffer.size = 0;  // nothing can be written; the frame comes back flagged too small
     }
-    slot.Open(packet.blockId, buffer, StreamPacketBytes(packet.extendedId), now);
+    slot.Open(packet.blockId, packet.extendedId, buffer, StreamPacketBytes(packet.extendedId), now);
     lastSlot_ = &slot;
     return &slot;
 }
@@ -116,7 +121,7 @@ size_t FrameAssembler::PlanPlacements(PlacementHint* out, size_t max) const {
     if (lastSlot_ == nullptr || !lastSlot_->Active()) {
         return 0;
     }
-    return lastSlot_->PlanPlacements(extendedIds_, out, max);
+    return lastSlot_->PlanPlacements(out, max);
 }
 
 bool FrameAssembler::HasOpenFrame() const {
@@ -140,7 +145,7 @@ void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now
         ++pending_.packetsIgnored;
         return;
     }
-    FrameSlot* slot = FindSlot(packet.blockId);
+    FrameSlot* slot = FindSlot(packet.blockId, packet.extendedId);
     if ((packet.status & kErrorStatusBit) != 0) {
         OnErrorPacket(slot, packet);
         return;

@@ -50,7 +50,7 @@ class FrameAssembler {
     void Publish();
 
   private:
-    FrameSlot* FindSlot(uint64_t blockId);
+    FrameSlot* FindSlot(uint64_t blockId, bool extendedIds);
     bool IsNewBlock(const GvspPacket& packet) const;
     FrameSlot* OpenBlock(const GvspPacket& packet, TimePoint now);
     FrameSlot& FreeSlot();
@@ -67,6 +67,7 @@ class FrameAssembler {
     TimePoint NextActionAt(const FrameSlot& slot) const;
     void StartResendRound(FrameSlot& slot, TimePoint now);
     uint32_t RequestMissing(FrameSlot& slot, uint32_t first, uint32_t last);
+    void AskDevice(const FrameSlot& slot, uint32_t first, uint32_t last);
     void Close(FrameSlot& slot);
 
     const ReceiverCallbacks& callbacks_;

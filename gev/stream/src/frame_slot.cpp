@@ -19,10 +19,11 @@ uint32_t PacketIdsFor(size_t bufferBytes, uint32_t packetBytes) {
 
 }  // namespace
 
-void FrameSlot::Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packetBytes,
-                     TimePoint now) {
+void FrameSlot::Open(uint64_t blockId, bool extendedIds, const LentBuffer& buffer,
+                     uint32_t packetBytes, TimePoint now) {
     active_ = true;
     blockId_ = blockId;
+    extendedIds_ = extendedIds;
     buffer_ = buffer;
     leader_ = LeaderFields{};
     haveLeader_ = haveTrailer_ = tooSmall_ = inconsistent_ = false;
@@ -211,7 +212,7 @@ uint32_t FrameSlot::ExpectedLastPayloadId() const {
     return highestPayloadId_;
 }
 
-size_t FrameSlot::PlanPlacements(bool extendedId, PlacementHint* out, size_t max) const {
+size_t FrameSlot::PlanPlacements(PlacementHint* out, size_t max) const {
     if (packetBytes_ == 0 || buffer_.size == 0) {
         return 0;
     }
@@ -228,7 +229,7 @@ size_t FrameSlot::PlanPlacements(bool extendedId, PlacementHint* out, size_t max
             break;
         }
         const size_t room = buffer_.size - static_cast<size_t>(offset);
-        out[planned++] = PlacementHint{blockId_, id, extendedId, buffer_.data + offset,
+        out[planned++] = PlacementHint{blockId_, id, extendedIds_, buffer_.data + offset,
                                        std::min<size_t>(packetBytes_, room)};
     }
     return planned;

@@ -27,10 +27,12 @@ enum class PlaceResult {
 class FrameSlot {
   public:
     // `packetBytes` is the payload size per full packet when the stream already told us, else 0.
-    void Open(uint64_t blockId, const LentBuffer& buffer, uint32_t packetBytes, TimePoint now);
+    void Open(uint64_t blockId, bool extendedIds, const LentBuffer& buffer, uint32_t packetBytes,
+              TimePoint now);
     void Release() { active_ = false; }
     bool Active() const { return active_; }
     uint64_t BlockId() const { return blockId_; }
+    bool ExtendedIds() const { return extendedIds_; }
     const LentBuffer& Buffer() const { return buffer_; }
     uint32_t PacketBytes() const { return packetBytes_; }
     // Packets longer than P, or several shorter ones, mean P is not the device's packet size.
@@ -67,7 +69,7 @@ class FrameSlot {
 
     // Fills up to `max` hints for the next packets this block still lacks, in id order;
     // returns how many. None while the packet size is unknown.
-    size_t PlanPlacements(bool extendedId, PlacementHint* out, size_t max) const;
+    size_t PlanPlacements(PlacementHint* out, size_t max) const;
 
     ReceivedFrame Describe(FrameStatus status) const;
     FrameStatus FinalStatus() const;
@@ -91,6 +93,7 @@ class FrameSlot {
 
     bool active_ = false;
     uint64_t blockId_ = 0;
+    bool extendedIds_ = false;
     LentBuffer buffer_;
     LeaderFields leader_;
     bool haveLeader_ = false;

@@ -84,7 +84,7 @@ void FrameAssembler::StartResendRound(FrameSlot& slot, TimePoint now) {
 }
 
 uint32_t FrameAssembler::RequestMissing(FrameSlot& slot, uint32_t first, uint32_t last) {
-    if (!callbacks_.requestResend) {
+    if (!callbacks_.requestResend && !callbacks_.requestResendWithIdMode) {
         return 0;
     }
     uint32_t ranges = 0;
@@ -99,17 +99,25 @@ uint32_t FrameAssembler::RequestMissing(FrameSlot& slot, uint32_t first, uint32_
             rest = a;
             return;
         }
-        callbacks_.requestResend(slot.BlockId(), a, b);
+        AskDevice(slot, a, b);
         slot.MarkRequested(a, b);
         ++ranges;
     });
     if (limited) {
-        callbacks_.requestResend(slot.BlockId(), rest, last);
+        AskDevice(slot, rest, last);
         slot.MarkRequested(rest, last);
         ++ranges;
     }
     pending_.resendRequests += ranges;
     return ranges;
+}
+
+void FrameAssembler::AskDevice(const FrameSlot& slot, uint32_t first, uint32_t last) {
+    if (callbacks_.requestResendWithIdMode) {
+        callbacks_.requestResendWithIdMode(slot.BlockId(), first, last, slot.ExtendedIds());
+    } else {
+        callbacks_.requestResend(slot.BlockId(), first, last);
+    }
 }
 
 void FrameAssembler::Close(FrameSlot& slot) {

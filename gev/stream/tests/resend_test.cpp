@@ -2,6 +2,7 @@
 // copy of the block), bounded retries, refusals, the frequent mode and the frame time-out.
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <random>
 #include <set>
 #include <thread>
@@ -221,6 +222,34 @@ TEST(Resend, SilentBlockHasItsLostTailRequested) {
     ASSERT_TRUE(h.collector.WaitForFrames(1, kWaitMs));
     EXPECT_EQ(h.collector.Frames()[0].status, FrameStatus::Complete);
     EXPECT_EQ(h.collector.Bytes(h.collector.Frames()[0]), blocks[0].payload);
+}
+
+TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
+    ReceiverSettings settings = FastResend();
+    settings.resendTimeoutMs = 20;
+    FrameCollector collector(4, 64 * 48);
+    ReceiverCallbacks callbacks = collector.Callbacks();
+    std::mutex mutex;
+    std::vector<std::pair<uint64_t, bool>> asked;
+    callbacks.requestResendWithIdMode = [&](uint64_t blockId, uint32_t, uint32_t, bool extended) {
+        std::lock_guard lock(mutex);
+        asked.emplace_back(blockId, extended);
+    };
+    ReceiverEndpoint endpoint;
+    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    auto receiver = FrameReceiver::Create(endpoint, settings, callbacks, nullptr);
+    ASSERT_NE(receiver, nullptr);
+    ASSERT_TRUE(receiver->Start());
+    UdpSender device(kDeviceIp, receiver->LocalPort());
+    SendExcept(device, BuildBlock({.blockId = 7, .extendedIds = true}), {3});  // small id
+    SendExcept(device, BuildBlock({.blockId = 7}), {3});
+    ASSERT_TRUE(collector.WaitForFrames(2, kWaitMs));
+    receiver->Stop(false, nullptr);
+    std::lock_guard lock(mutex);
+    ASSERT_FALSE(asked.empty());
+    EXPECT_EQ(asked.front(), std::make_pair(uint64_t{7}, true));
+    EXPECT_EQ(asked.back(), std::make_pair(uint64_t{7}, false));
+    EXPECT_TRUE(collector.Requests().empty());  // the plain callback is not used as well
 }
 
 TEST(Resend, ExtendedIdRequestsCarryThe64BitBlockId) {

@@ -90,6 +90,11 @@ struct ReceiverCallbacks {
     // Called on the receiving thread to ask the device to resend packets [first, last] of a
     // block (PACKETRESEND goes over the control channel, which the engine does not own).
     std::function<void(uint64_t blockId, uint32_t firstPacket, uint32_t lastPacket)> requestResend;
+    // The same request with the id mode of the block: extended ids need the 64-bit request
+    // layout even while block ids are small. Used instead of requestResend when set.
+    std::function<void(uint64_t blockId, uint32_t firstPacket, uint32_t lastPacket,
+                       bool extendedIds)>
+        requestResendWithIdMode;
 };
 
 class FrameReceiver {
