@@ -218,3 +218,20 @@ TEST(FileAccess, StreamsRoundTrip) {
 
 }  // namespace
 }  // namespace RyGenApi::testing
+
+namespace RyGenApi::testing {
+namespace {
+
+TEST(FileAccess, WaitsForBusyDeviceAndTimesOut) {
+    Fixture f(FileFeatures(false));
+    FileDevice device(f.port, false);
+    FileProtocolAdapter adapter;
+    ASSERT_TRUE(adapter.attach(f.map._GetNodeMap()));
+    // The device never clears the execute register: the operation never finishes.
+    f.port.onWrite = nullptr;
+    adapter.setTimeout(std::chrono::milliseconds(30));
+    EXPECT_THROW(adapter.openFile("UserData", std::ios::in), TimeoutException);
+}
+
+}  // namespace
+}  // namespace RyGenApi::testing

@@ -71,9 +71,18 @@ bool FileProtocolAdapter::Select(const char* fileName, const char* operation) {
     return true;
 }
 
+// Some devices make the file features unavailable while an operation runs, so the wait
+// lasts until the command is done and the status can be read again.
 void FileProtocolAdapter::WaitUntilDone() {
     const auto deadline = std::chrono::steady_clock::now() + timeout_;
-    while (!operationExecute_->IsDone()) {
+    INode* status = operationStatus_->GetNode();
+    for (;;) {
+        if (operationExecute_->IsDone()) {
+            status->InvalidateNode();
+            if (IsReadable(status->GetAccessMode())) {
+                return;
+            }
+        }
         if (std::chrono::steady_clock::now() >= deadline) {
             throw TimeoutException(operationExecute_->GetNode()->GetName(),
                                    "file operation did not finish in time");
