@@ -222,5 +222,31 @@ TEST_F(EmulatorTest, MtuOptimisationNegotiatesTheLargestWorkingPacket) {
     EXPECT_NE(ReadBigEndian(device, 0x0D00) & 0xFFFF, 0u);  // pointed back at the receiver
 }
 
+TEST_F(EmulatorTest, SlowAndMalformedAnswersGiveErrorCodes) {
+    emulator::Camera& camera = Start(Config("127.0.0.2", "FAULTY"));
+    DEV_HANDLE device = Open("127.0.0.2");
+    ASSERT_NE(device, nullptr);
+    const uint32_t timeoutMs = 300;
+    size_t size = 4;
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_GVCP_TIMEOUT_MS, &timeoutMs, &size), GC_ERR_SUCCESS);
+    auto faults = camera.faults();
+    faults.ack_delay_ms = 50;  // slower than usual, within the time-out
+    camera.set_faults(faults);
+    uint32_t value = 0;
+    size = 4;
+    EXPECT_EQ(GCReadPort(device, 0x0000, &value, &size), GC_ERR_SUCCESS);
+    faults.ack_delay_ms = 0;
+    faults.malformed_packets = true;  // answers cut short are never taken for data
+    camera.set_faults(faults);
+    std::vector<uint8_t> block(64);
+    size = block.size();
+    EXPECT_EQ(GCReadPort(device, 0x0048, block.data(), &size), GC_ERR_TIMEOUT);
+    size = 4;
+    EXPECT_EQ(GCReadPort(device, 0x0000, &value, &size), GC_ERR_TIMEOUT);
+    faults.malformed_packets = false;
+    camera.set_faults(faults);
+    EXPECT_EQ(ReadBigEndian(device, 0x0000) >> 16, 2u);  // and the channel recovers
+}
+
 }  // namespace
 }  // namespace ry::gentl::testing
