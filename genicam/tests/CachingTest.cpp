@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "TestSupport.h"
 
 namespace RyGenApi::testing {
@@ -136,6 +139,39 @@ TEST(Caching, PollingAndExplicitInvalidation) {
     f.port.Poke32LittleEndian(0, 13);
     f.map._InvalidateNodes();
     EXPECT_EQ(through->GetValue(), 13);
+}
+
+}  // namespace
+}  // namespace RyGenApi::testing
+
+namespace RyGenApi::testing {
+namespace {
+
+// The port below is not thread-safe on its own; the node map must serialise callers.
+TEST(Concurrency, CallsFromSeveralThreadsAreSerialised) {
+    Fixture f(kCachingMap);
+    auto* around = f.Get<IInteger>("Around");
+    auto* status = f.Get<IInteger>("OverNever");
+    std::vector<std::thread> threads;
+    std::atomic<int> failures{0};
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 2000; ++i) {
+                around->SetValue(t * 10000 + i);
+                const int64_t value = around->GetValue();
+                if (value < 0 || value >= 40000) {
+                    ++failures;
+                }
+                status->GetValue();
+                f.map._InvalidateNodes();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures.load(), 0);
+    EXPECT_EQ(f.port.writes, 8000);
 }
 
 }  // namespace

@@ -21,9 +21,11 @@ class IntegerFacade : public Base, public virtual IInteger {
 
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         return FormatInteger(GetValue(verify, ignoreCache), this->RepresentationValue());
     }
     void FromString(const std::string& text, bool verify) override {
+        const auto lock = this->Lock();
         int64_t value = 0;
         if (!ParseInteger(xml::Trim(text), value)) {
             throw InvalidArgumentException(std::string(this->NameView()),
@@ -31,12 +33,17 @@ class IntegerFacade : public Base, public virtual IInteger {
         }
         SetValue(value, verify);
     }
-    bool IsValueCacheValid() const override { return !this->IsVolatile(); }
+    bool IsValueCacheValid() const override {
+        const auto lock = this->Lock();
+        return !this->IsVolatile();
+    }
 
     void SetValue(int64_t value, bool verify) override {
+        const auto lock = this->Lock();
         this->WriteNumber(Number::Integer(value), verify);
     }
     int64_t GetValue(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         const Number value = this->ReadNumber(ignoreCache);
         if (verify) {
             this->VerifyRange(value);
@@ -44,18 +51,38 @@ class IntegerFacade : public Base, public virtual IInteger {
         return value.AsInteger(this->NameView());
     }
     int64_t GetMin() override {
+        const auto lock = this->Lock();
         return std::max(imposedMin_, this->MinNumber().AsInteger(this->NameView()));
     }
     int64_t GetMax() override {
+        const auto lock = this->Lock();
         return std::min(imposedMax_, this->MaxNumber().AsInteger(this->NameView()));
     }
-    EIncMode GetIncMode() override { return fixedIncrement; }
-    int64_t GetInc() override { return this->IncNumber().AsInteger(this->NameView()); }
+    EIncMode GetIncMode() override {
+        const auto lock = this->Lock();
+        return fixedIncrement;
+    }
+    int64_t GetInc() override {
+        const auto lock = this->Lock();
+        return this->IncNumber().AsInteger(this->NameView());
+    }
     std::vector<int64_t> GetListOfValidValues(bool) override { return {}; }
-    ERepresentation GetRepresentation() override { return this->RepresentationValue(); }
-    std::string GetUnit() override { return this->UnitValue(); }
-    void ImposeMin(int64_t value) override { imposedMin_ = value; }
-    void ImposeMax(int64_t value) override { imposedMax_ = value; }
+    ERepresentation GetRepresentation() override {
+        const auto lock = this->Lock();
+        return this->RepresentationValue();
+    }
+    std::string GetUnit() override {
+        const auto lock = this->Lock();
+        return this->UnitValue();
+    }
+    void ImposeMin(int64_t value) override {
+        const auto lock = this->Lock();
+        imposedMin_ = value;
+    }
+    void ImposeMax(int64_t value) override {
+        const auto lock = this->Lock();
+        imposedMax_ = value;
+    }
 
   private:
     int64_t imposedMin_ = std::numeric_limits<int64_t>::min();
@@ -69,9 +96,11 @@ class FloatFacade : public Base, public virtual IFloat {
 
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         return FormatReal(GetValue(verify, ignoreCache));
     }
     void FromString(const std::string& text, bool verify) override {
+        const auto lock = this->Lock();
         double value = 0;
         if (!ParseReal(xml::Trim(text), value)) {
             throw InvalidArgumentException(std::string(this->NameView()),
@@ -79,34 +108,70 @@ class FloatFacade : public Base, public virtual IFloat {
         }
         SetValue(value, verify);
     }
-    bool IsValueCacheValid() const override { return !this->IsVolatile(); }
+    bool IsValueCacheValid() const override {
+        const auto lock = this->Lock();
+        return !this->IsVolatile();
+    }
 
     void SetValue(double value, bool verify) override {
+        const auto lock = this->Lock();
         this->WriteNumber(Number::Real(value), verify);
     }
     double GetValue(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         const Number value = this->ReadNumber(ignoreCache);
         if (verify) {
             this->VerifyRange(value);
         }
         return value.AsReal();
     }
-    double GetMin() override { return std::max(imposedMin_, this->MinNumber().AsReal()); }
-    double GetMax() override { return std::min(imposedMax_, this->MaxNumber().AsReal()); }
-    bool HasInc() override { return this->HasIncrement(); }
-    EIncMode GetIncMode() override { return HasInc() ? fixedIncrement : noIncrement; }
+    double GetMin() override {
+        const auto lock = this->Lock();
+        return std::max(imposedMin_, this->MinNumber().AsReal());
+    }
+    double GetMax() override {
+        const auto lock = this->Lock();
+        return std::min(imposedMax_, this->MaxNumber().AsReal());
+    }
+    bool HasInc() override {
+        const auto lock = this->Lock();
+        return this->HasIncrement();
+    }
+    EIncMode GetIncMode() override {
+        const auto lock = this->Lock();
+        return HasInc() ? fixedIncrement : noIncrement;
+    }
     double GetInc() override {
+        const auto lock = this->Lock();
         if (!HasInc()) {
             throw LogicalErrorException(std::string(this->NameView()), "node has no increment");
         }
         return this->IncNumber().AsReal();
     }
-    ERepresentation GetRepresentation() override { return this->RepresentationValue(); }
-    std::string GetUnit() override { return this->UnitValue(); }
-    EDisplayNotation GetDisplayNotation() override { return this->NotationValue(); }
-    int64_t GetDisplayPrecision() override { return this->PrecisionValue(); }
-    void ImposeMin(double value) override { imposedMin_ = value; }
-    void ImposeMax(double value) override { imposedMax_ = value; }
+    ERepresentation GetRepresentation() override {
+        const auto lock = this->Lock();
+        return this->RepresentationValue();
+    }
+    std::string GetUnit() override {
+        const auto lock = this->Lock();
+        return this->UnitValue();
+    }
+    EDisplayNotation GetDisplayNotation() override {
+        const auto lock = this->Lock();
+        return this->NotationValue();
+    }
+    int64_t GetDisplayPrecision() override {
+        const auto lock = this->Lock();
+        return this->PrecisionValue();
+    }
+    void ImposeMin(double value) override {
+        const auto lock = this->Lock();
+        imposedMin_ = value;
+    }
+    void ImposeMax(double value) override {
+        const auto lock = this->Lock();
+        imposedMax_ = value;
+    }
 
   private:
     double imposedMin_ = -std::numeric_limits<double>::infinity();

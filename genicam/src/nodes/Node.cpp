@@ -66,10 +66,12 @@ bool Node::GetProperty(const std::string& name, std::string& value, std::string&
 }
 
 void Node::InvalidateNode() {
+    const auto lock = this->Lock();
     InvalidateWithDependents();
 }
 
 void Node::ImposeAccessMode(EAccessMode mode) {
+    const auto lock = this->Lock();
     runtimeImposedAccess_ = mode;
     InvalidateWithDependents();
 }
@@ -82,13 +84,19 @@ INodeMap* Node::GetNodeMap() const {
     return &map_;
 }
 
+std::unique_lock<std::recursive_mutex> Node::Lock() const {
+    return std::unique_lock<std::recursive_mutex>(map_.Mutex());
+}
+
 INode::CallbackHandle Node::RegisterCallback(Callback callback) {
+    const auto lock = this->Lock();
     const CallbackHandle handle = nextCallback_++;
     callbacks_.emplace(handle, std::move(callback));
     return handle;
 }
 
 bool Node::DeregisterCallback(CallbackHandle handle) {
+    const auto lock = this->Lock();
     return callbacks_.erase(handle) != 0;
 }
 
@@ -101,6 +109,7 @@ void Node::FireCallbacks() {
 // ---- access mode ---------------------------------------------------------------------
 
 EAccessMode Node::GetAccessMode() const {
+    const auto lock = this->Lock();
     if (cachedAccess_ != _UndefinedAccesMode) {
         return cachedAccess_;
     }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -144,6 +145,9 @@ class Node : public virtual INode {
     [[noreturn]] void ThrowLogical(const std::string& message) const;
 
     NodeMapImpl& Map() const { return map_; }
+    // Calls from several threads are serialised by the node map; the lock is recursive
+    // because nodes call into each other.
+    std::unique_lock<std::recursive_mutex> Lock() const;
 
   protected:
     // Handles a type-specific child element; returns false for elements it does not know.

@@ -47,12 +47,14 @@ std::string_view NodeMapImpl::Intern(std::string text) {
 }
 
 void NodeMapImpl::InvalidateNodes() const {
+    const std::lock_guard<std::recursive_mutex> lock(mutex_);
     for (const auto& node : nodes_) {
         node->ResetCaches();
     }
 }
 
 bool NodeMapImpl::Connect(IPort* port, const std::string& portName) const {
+    const std::lock_guard<std::recursive_mutex> lock(mutex_);
     auto* portNode = dynamic_cast<PortNode*>(Find(portName));
     if (portNode == nullptr) {
         return false;
@@ -67,6 +69,7 @@ bool NodeMapImpl::Connect(IPort* port) const {
 }
 
 void NodeMapImpl::Poll(int64_t elapsedMilliseconds) {
+    const std::lock_guard<std::recursive_mutex> lock(mutex_);
     std::vector<Node*> expired;
     for (const auto& node : nodes_) {
         node->AdvancePolling(elapsedMilliseconds, expired);

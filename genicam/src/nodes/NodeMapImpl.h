@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,6 +39,7 @@ class NodeMapImpl : public INodeMap {
     bool IsNameTaken(std::string_view name) const { return byName_.count(name) != 0; }
     std::string_view Intern(std::string text);
     uint64_t NextVisitMark() { return ++visitMark_; }
+    std::recursive_mutex& Mutex() const { return mutex_; }
     // Nesting level of access-mode evaluations in progress.
     int& AccessDepth() { return accessDepth_; }
     void Warn(std::string message) { warnings_.push_back(std::move(message)); }
@@ -52,6 +54,7 @@ class NodeMapImpl : public INodeMap {
     std::deque<std::string> internedNames_;
     std::vector<std::string> warnings_;
     uint64_t visitMark_ = 0;
+    mutable std::recursive_mutex mutex_;
     int accessDepth_ = 0;
 };
 

@@ -20,6 +20,7 @@ bool PortNode::ParseChild(std::string_view tag, const xml::Element& child, Loade
 }
 
 void PortNode::Read(void* buffer, int64_t address, int64_t length) {
+    const auto lock = this->Lock();
     if (connected_ == nullptr) {
         throw AccessException(std::string(name_), "port is not connected");
     }
@@ -34,6 +35,7 @@ void PortNode::Read(void* buffer, int64_t address, int64_t length) {
 }
 
 void PortNode::Write(const void* buffer, int64_t address, int64_t length) {
+    const auto lock = this->Lock();
     if (connected_ == nullptr) {
         throw AccessException(std::string(name_), "port is not connected");
     }
@@ -68,10 +70,12 @@ void CategoryNode::VisitReferences(const std::function<void(Ref&, RefKind)>& vis
 }
 
 void CategoryNode::FromString(const std::string&, bool) {
+    const auto lock = this->Lock();
     throw AccessException(std::string(name_), "a category has no value to set");
 }
 
 void CategoryNode::GetFeatures(FeatureList_t& features) {
+    const auto lock = this->Lock();
     features.clear();
     for (const Ref& ref : features_) {
         if (auto* value = dynamic_cast<IValue*>(ref.node)) {
@@ -100,6 +104,7 @@ bool EnumEntryNode::ParseChild(std::string_view tag, const xml::Element& child, 
 }
 
 void EnumEntryNode::FromString(const std::string&, bool) {
+    const auto lock = this->Lock();
     throw AccessException(std::string(name_), "an enumeration entry is read-only");
 }
 
@@ -181,6 +186,7 @@ EnumEntryNode* EnumerationNode::FindSymbolic(std::string_view symbolic) const {
 }
 
 int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
+    const auto lock = this->Lock();
     RequireReadable();
     const int64_t value =
         value_ ? value_.node->ReadNumber(ignoreCache).AsInteger(value_.name) : *constant_;
@@ -192,6 +198,7 @@ int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
 }
 
 void EnumerationNode::SetIntValue(int64_t value, bool verify) {
+    const auto lock = this->Lock();
     RequireWritable();
     if (verify) {
         const EnumEntryNode* entry = FindEntry(value);
@@ -214,6 +221,7 @@ void EnumerationNode::SetIntValue(int64_t value, bool verify) {
 }
 
 IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache) {
+    const auto lock = this->Lock();
     const int64_t value = GetIntValue(verify, ignoreCache);
     EnumEntryNode* entry = FindEntry(value);
     if (entry == nullptr) {
@@ -224,10 +232,12 @@ IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache) {
 }
 
 std::string EnumerationNode::ToString(bool verify, bool ignoreCache) {
+    const auto lock = this->Lock();
     return GetCurrentEntry(verify, ignoreCache)->GetSymbolic();
 }
 
 void EnumerationNode::FromString(const std::string& symbolic, bool verify) {
+    const auto lock = this->Lock();
     const EnumEntryNode* entry = FindSymbolic(xml::Trim(symbolic));
     if (entry == nullptr) {
         throw InvalidArgumentException(std::string(name_),
@@ -240,6 +250,7 @@ void EnumerationNode::FromString(const std::string& symbolic, bool verify) {
 }
 
 void EnumerationNode::GetSymbolics(StringList_t& symbolics) {
+    const auto lock = this->Lock();
     symbolics.clear();
     for (EnumEntryNode* entry : entries_) {
         if (IsAvailable(entry->GetAccessMode())) {
@@ -249,14 +260,17 @@ void EnumerationNode::GetSymbolics(StringList_t& symbolics) {
 }
 
 void EnumerationNode::GetEntries(NodeList_t& entries) {
+    const auto lock = this->Lock();
     entries.assign(entries_.begin(), entries_.end());
 }
 
 IEnumEntry* EnumerationNode::GetEntryByName(const std::string& symbolic) {
+    const auto lock = this->Lock();
     return FindSymbolic(symbolic);
 }
 
 IEnumEntry* EnumerationNode::GetEntry(int64_t value) {
+    const auto lock = this->Lock();
     return FindEntry(value);
 }
 
@@ -348,6 +362,7 @@ EAccessMode BooleanNode::NaturalAccessMode() const {
 }
 
 bool BooleanNode::GetValue(bool, bool ignoreCache) {
+    const auto lock = this->Lock();
     RequireReadable();
     if (!value_) {
         return *constant_ != 0;
@@ -366,6 +381,7 @@ bool BooleanNode::GetValue(bool, bool ignoreCache) {
 }
 
 void BooleanNode::SetValue(bool value, bool verify) {
+    const auto lock = this->Lock();
     RequireWritable();
     if (value_) {
         value_.node->WriteNumber(Number::Integer(value ? onValue_ : offValue_), verify);
@@ -384,10 +400,12 @@ void BooleanNode::WriteNumber(Number value, bool verify) {
 }
 
 std::string BooleanNode::ToString(bool verify, bool ignoreCache) {
+    const auto lock = this->Lock();
     return GetValue(verify, ignoreCache) ? "1" : "0";
 }
 
 void BooleanNode::FromString(const std::string& text, bool verify) {
+    const auto lock = this->Lock();
     const std::string_view value = xml::Trim(text);
     if (value == "1" || value == "true" || value == "True") {
         SetValue(true, verify);
@@ -439,6 +457,7 @@ int64_t CommandNode::CommandValue() const {
 }
 
 void CommandNode::Execute(bool verify) {
+    const auto lock = this->Lock();
     RequireWritable();
     const int64_t command = CommandValue();
     if (value_) {
@@ -450,6 +469,7 @@ void CommandNode::Execute(bool verify) {
 }
 
 bool CommandNode::IsDone(bool) {
+    const auto lock = this->Lock();
     if (GetAccessMode() == NI) {
         throw AccessException(std::string(name_), "command is not implemented");
     }
@@ -461,10 +481,12 @@ bool CommandNode::IsDone(bool) {
 }
 
 std::string CommandNode::ToString(bool, bool) {
+    const auto lock = this->Lock();
     return IsDone(true) ? "1" : "0";
 }
 
 void CommandNode::FromString(const std::string& text, bool verify) {
+    const auto lock = this->Lock();
     const std::string_view value = xml::Trim(text);
     if (value == "1" || value == "true" || value == "Execute") {
         Execute(verify);
@@ -512,11 +534,13 @@ EAccessMode StringNode::NaturalAccessMode() const {
 }
 
 std::string StringNode::GetValue(bool verify, bool ignoreCache) {
+    const auto lock = this->Lock();
     RequireReadable();
     return targetString_ ? targetString_->GetValue(verify, ignoreCache) : value_;
 }
 
 void StringNode::SetValue(const std::string& value, bool verify) {
+    const auto lock = this->Lock();
     RequireWritable();
     if (targetString_) {
         targetString_->SetValue(value, verify);
@@ -527,6 +551,7 @@ void StringNode::SetValue(const std::string& value, bool verify) {
 }
 
 int64_t StringNode::GetMaxLength() {
+    const auto lock = this->Lock();
     return targetString_ ? targetString_->GetMaxLength() : std::numeric_limits<int64_t>::max();
 }
 

@@ -29,7 +29,10 @@ class TextValueNode : public Node, public virtual IValue {
   public:
     using Node::Node;
     INode* GetNode() override { return this; }
-    bool IsValueCacheValid() const override { return !IsVolatile(); }
+    bool IsValueCacheValid() const override {
+        const auto lock = this->Lock();
+        return !IsVolatile();
+    }
 };
 
 class CategoryNode : public TextValueNode, public virtual ICategory {
@@ -54,11 +57,20 @@ class EnumEntryNode : public TextValueNode, public virtual IEnumEntry {
   public:
     EnumEntryNode(NodeMapImpl& map, std::string_view name, std::string_view symbolic)
         : TextValueNode(map, name, intfIEnumEntry), symbolic_(symbolic) {}
-    std::string ToString(bool, bool) override { return std::string(symbolic_); }
+    std::string ToString(bool, bool) override {
+        const auto lock = this->Lock();
+        return std::string(symbolic_);
+    }
     void FromString(const std::string&, bool) override;
-    int64_t GetValue() override { return value_; }
+    int64_t GetValue() override {
+        const auto lock = this->Lock();
+        return value_;
+    }
     std::string GetSymbolic() const override { return std::string(symbolic_); }
-    double GetNumericValue() override { return numeric_ ? *numeric_ : static_cast<double>(value_); }
+    double GetNumericValue() override {
+        const auto lock = this->Lock();
+        return numeric_ ? *numeric_ : static_cast<double>(value_);
+    }
     bool IsSelfClearing() override { return selfClearing_; }
     Number ReadNumber(bool) override { return Number::Integer(value_); }
     std::string_view Symbolic() const { return symbolic_; }
@@ -165,9 +177,13 @@ class StringNode : public TextValueNode, public virtual IString {
   public:
     StringNode(NodeMapImpl& map, std::string_view name) : TextValueNode(map, name, intfIString) {}
     std::string ToString(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
+    void FromString(const std::string& text, bool verify) override {
+        const auto lock = this->Lock();
+        SetValue(text, verify);
+    }
     void SetValue(const std::string& value, bool verify) override;
     std::string GetValue(bool verify, bool ignoreCache) override;
     int64_t GetMaxLength() override;
@@ -201,15 +217,26 @@ class LegacyTextNode : public TextValueNode, public virtual IString {
     LegacyTextNode(NodeMapImpl& map, std::string_view name)
         : TextValueNode(map, name, intfIString) {}
     std::string ToString(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
-    void SetValue(const std::string&, bool) override { RequireWritable(); }
+    void FromString(const std::string& text, bool verify) override {
+        const auto lock = this->Lock();
+        SetValue(text, verify);
+    }
+    void SetValue(const std::string&, bool) override {
+        const auto lock = this->Lock();
+        RequireWritable();
+    }
     std::string GetValue(bool, bool) override {
+        const auto lock = this->Lock();
         RequireReadable();
         return {};
     }
-    int64_t GetMaxLength() override { return 0; }
+    int64_t GetMaxLength() override {
+        const auto lock = this->Lock();
+        return 0;
+    }
 
   protected:
     EAccessMode NaturalAccessMode() const override { return NI; }

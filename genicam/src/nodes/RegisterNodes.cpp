@@ -145,6 +145,7 @@ EAccessMode RegisterNode::NaturalAccessMode() const {
 }
 
 int64_t RegisterNode::GetAddress() {
+    const auto lock = this->Lock();
     uint64_t address = static_cast<uint64_t>(address_);
     for (const Ref& ref : addressRefs_) {
         address += static_cast<uint64_t>(ref.node->ReadNumber(false).AsInteger(ref.name));
@@ -163,6 +164,7 @@ int64_t RegisterNode::GetAddress() {
 }
 
 int64_t RegisterNode::GetLength() {
+    const auto lock = this->Lock();
     if (!lengthRef_) {
         return length_;
     }
@@ -233,6 +235,7 @@ std::vector<uint8_t> RegisterNode::Disassemble(uint64_t value, size_t length) co
 }
 
 void RegisterNode::Get(uint8_t* buffer, int64_t length, bool, bool ignoreCache) {
+    const auto lock = this->Lock();
     const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     if (buffer == nullptr || length < 0 || static_cast<size_t>(length) > bytes.size()) {
         throw InvalidArgumentException(std::string(name_),
@@ -244,6 +247,7 @@ void RegisterNode::Get(uint8_t* buffer, int64_t length, bool, bool ignoreCache) 
 }
 
 void RegisterNode::Set(const uint8_t* buffer, int64_t length, bool) {
+    const auto lock = this->Lock();
     RequireWritable();
     const int64_t registerLength = GetLength();
     if (buffer == nullptr || length != registerLength) {
@@ -256,6 +260,7 @@ void RegisterNode::Set(const uint8_t* buffer, int64_t length, bool) {
 }
 
 std::string RegisterNode::ToString(bool, bool ignoreCache) {
+    const auto lock = this->Lock();
     const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     static const char kDigits[] = "0123456789abcdef";
     std::string text;
@@ -268,6 +273,7 @@ std::string RegisterNode::ToString(bool, bool ignoreCache) {
 }
 
 void RegisterNode::FromString(const std::string& text, bool verify) {
+    const auto lock = this->Lock();
     const std::string_view digits = xml::Trim(text);
     std::vector<uint8_t> bytes(digits.size() / 2);
     for (size_t i = 0; i < bytes.size(); ++i) {
@@ -498,6 +504,7 @@ Number FloatRegNode::MaxNumber() {
 // ---- StringReg -------------------------------------------------------------------------
 
 std::string StringRegNode::GetValue(bool, bool ignoreCache) {
+    const auto lock = this->Lock();
     const std::vector<uint8_t>& bytes = ReadRegister(ignoreCache);
     size_t end = 0;
     while (end < bytes.size() && bytes[end] != 0) {
@@ -507,6 +514,7 @@ std::string StringRegNode::GetValue(bool, bool ignoreCache) {
 }
 
 void StringRegNode::SetValue(const std::string& value, bool) {
+    const auto lock = this->Lock();
     RequireWritable();
     const auto length = static_cast<size_t>(GetLength());
     if (value.size() > length) {

@@ -25,7 +25,10 @@ class RegisterNode : public Node, public virtual IRegister {
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override;
     void FromString(const std::string& text, bool verify) override;
-    bool IsValueCacheValid() const override { return cache_->valid; }
+    bool IsValueCacheValid() const override {
+        const auto lock = this->Lock();
+        return cache_->valid;
+    }
     void Set(const uint8_t* buffer, int64_t length, bool verify) override;
     void Get(uint8_t* buffer, int64_t length, bool verify, bool ignoreCache) override;
     int64_t GetLength() override;
@@ -149,12 +152,19 @@ class StringRegNode : public RegisterNode, public virtual IString {
     StringRegNode(NodeMapImpl& map, std::string_view name) : RegisterNode(map, name, intfIString) {}
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
+        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
+    void FromString(const std::string& text, bool verify) override {
+        const auto lock = this->Lock();
+        SetValue(text, verify);
+    }
     void SetValue(const std::string& value, bool verify) override;
     std::string GetValue(bool verify, bool ignoreCache) override;
-    int64_t GetMaxLength() override { return GetLength(); }
+    int64_t GetMaxLength() override {
+        const auto lock = this->Lock();
+        return GetLength();
+    }
 };
 
 using IntRegFacade = IntegerFacade<IntRegNode>;
