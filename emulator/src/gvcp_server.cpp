@@ -67,7 +67,8 @@ void CameraDevice::handle_datagram(const UdpSocket& socket, Endpoint from, gev::
     if (!header) {
         // Acknowledges (from event replies) and junk are not commands; junk with a key but
         // too short to hold a header is answered like a bad header when possible.
-        if (datagram.size() >= 4 && datagram[0] == gev::kGvcpKey) {
+        if (datagram.size() >= 4 && datagram[0] == gev::kGvcpKey &&
+            (datagram[1] & gev::kFlagAckRequired) != 0) {
             gev::GvcpCommandHeader partial{datagram[1], gev::load_be16(datagram.data() + 2), 0, 0};
             lock.unlock();
             control_.send_to(from, error_ack(GevStatus::InvalidHeader, partial));
