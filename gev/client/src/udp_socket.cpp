@@ -81,6 +81,12 @@ bool UdpSocket::JoinMulticast(uint32_t group, uint32_t localIp) {
     return ::setsockopt(fd_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request) == 0;
 }
 
+bool UdpSocket::SetMulticastInterface(uint32_t localIp) {
+    in_addr address{};
+    address.s_addr = htonl(localIp);
+    return ::setsockopt(fd_, IPPROTO_IP, IP_MULTICAST_IF, &address, sizeof address) == 0;
+}
+
 uint16_t UdpSocket::LocalPort() const {
     sockaddr_in address{};
     socklen_t length = sizeof address;

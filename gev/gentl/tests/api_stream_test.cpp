@@ -38,9 +38,13 @@ uint64_t StreamInfo(DS_HANDLE stream, STREAM_INFO_CMD cmd) {
 
 class StreamTest : public ProducerTest {
   protected:
-    void OpenStream(size_t buffers, size_t bufferBytes = kFrameBytes, bool queue = true) {
+    void OpenStream(size_t buffers, size_t bufferBytes = kFrameBytes, bool queue = true,
+                    uint32_t multicastGroup = 0) {
         device_ = Open(AddCamera(2));
         ASSERT_NE(device_, nullptr);
+        if (multicastGroup != 0) {
+            ASSERT_EQ(DevSetMultiCastMode(device_, 1, multicastGroup), GC_ERR_SUCCESS);
+        }
         ASSERT_EQ(DevOpenDataStream(device_, "Stream0", &stream_), GC_ERR_SUCCESS);
         memory_.assign(buffers, std::vector<uint8_t>(bufferBytes));
         for (auto& block : memory_) {
@@ -292,6 +296,18 @@ TEST_F(StreamTest, LinkAggregationAcceptsTheStreamOnAnyHostAddress) {
         cameras_.clear();
         handles_.clear();
     }
+}
+
+TEST_F(StreamTest, MulticastModeSendsTheStreamToTheGroupAndJoinsIt) {
+    constexpr uint32_t kGroup = 0xEF010203;  // 239.1.2.3
+    OpenStream(2, kFrameBytes, true, kGroup);
+    EXPECT_EQ(Camera().Register(0x0D18), kGroup);
+    const auto pixels = Pattern(9);
+    Camera().SendFrame(kWidth, kHeight, pixels);
+    BUFFER_HANDLE buffer = Next();
+    ASSERT_NE(buffer, nullptr);
+    EXPECT_EQ(BufferInfo(stream_, buffer, BUFFER_INFO_STATUS), 0u);
+    EXPECT_EQ(DevSetMultiCastMode(device_, 1, 0x7F000001), GC_ERR_INVALID_PARAMETER);
 }
 
 }  // namespace

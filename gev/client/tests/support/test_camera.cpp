@@ -54,6 +54,7 @@ TestCamera::TestCamera(TestCameraOptions options)
     if (options_.answerBroadcast)
         broadcast_.Open(0xFFFFFFFF, Port(), nullptr, true);
     stream_.Open(options_.ip, 0, nullptr);
+    stream_.SetMulticastInterface(options_.ip);  // loopback has no multicast route
     thread_ = std::jthread([this](std::stop_token stop) { Serve(stop); });
 }
 

@@ -35,6 +35,8 @@ class UdpSocket {
 
     bool EnableBroadcast();
     bool JoinMulticast(uint32_t group, uint32_t localIp);
+    // Multicast datagrams this socket sends leave through the interface with `localIp`.
+    bool SetMulticastInterface(uint32_t localIp);
     uint16_t LocalPort() const;
     uint32_t LocalIp() const;
 
