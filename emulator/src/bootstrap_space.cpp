@@ -113,8 +113,9 @@ GevStatus CameraDevice::read_memory(std::uint32_t address, std::span<std::uint8_
     if (address % 4 != 0 || out.size() % 4 != 0) {
         return GevStatus::BadAlignment;
     }
-    const std::uint32_t xml_span = static_cast<std::uint32_t>((xml_.size() + 3) / 4 * 4);
-    if (within(address, out.size(), reg::kXmlAddress, xml_span)) {
+    // Reads past the end of the description see zeros, so a host may round its last
+    // chunk up as it likes.
+    if (within(address, out.size(), reg::kXmlAddress, reg::kXmlRegionSize)) {
         std::fill(out.begin(), out.end(), 0);
         const std::size_t from = address - reg::kXmlAddress;
         const std::size_t n = std::min(out.size(), xml_.size() - std::min(from, xml_.size()));
@@ -152,7 +153,8 @@ std::optional<std::uint32_t> CameraDevice::read_word(std::uint32_t address) cons
         return address == bs::kControlSwitchoverKey ? 0 : boot(address);
     }
     if (address == kSerialReceiveCount) {
-        return serial_.waiting_bytes();
+        // Never more than one read of the receive window can fetch; the rest waits.
+        return std::min(serial_.waiting_bytes(), kSerialReceiveWindow);
     }
     if (address == kSerialTriggerWord) {
         return serial_.trigger_word();
@@ -179,7 +181,7 @@ CommandOutcome CameraDevice::write_memory(std::uint32_t address, gev::ConstBytes
     if (address == kSerialTransmitBlock && data.size() <= kSerialTransmitWindow) {
         return {serial_.write_transmit_block(data), 0};
     }
-    if (within(address, data.size(), reg::kXmlAddress, xml_.size() + 4)) {
+    if (within(address, data.size(), reg::kXmlAddress, reg::kXmlRegionSize)) {
         return {GevStatus::WriteProtect, 0};
     }
     CommandOutcome total;

@@ -55,6 +55,9 @@ CameraDevice::CameraDevice(CameraConfig config)
         std::memcpy(&gain, &zero, sizeof zero);
     }
     xml_ = store_description(camera_xml_text(config_.trigger_entry_ext), config_.xml_form).bytes;
+    if (xml_.size() > reg::kXmlRegionSize) {
+        throw std::runtime_error("the GenICam description does not fit its memory region");
+    }
 
     const std::uint32_t bind_ip = config_.bind_any ? 0 : ip;
     control_ = UdpSocket(Endpoint{bind_ip, config_.gvcp_port}, config_.bind_any);

@@ -69,6 +69,7 @@ inline constexpr std::uint32_t kLegacyStop = 0x88138;             // write 0 to 
 inline constexpr std::uint32_t kLegacyFrameCount = 0x8815C;
 
 inline constexpr std::uint32_t kXmlAddress = 0x00100000;
+inline constexpr std::uint32_t kXmlRegionSize = 0x00100000;  // the description must fit
 
 inline constexpr std::uint32_t kSensorMaxWidth = 8192;
 inline constexpr std::uint32_t kSensorMaxHeight = 8192;

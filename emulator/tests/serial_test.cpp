@@ -119,6 +119,23 @@ TEST(SerialRegisters, CommandOverGvcpWithRoundedReads) {
               static_cast<std::uint16_t>(gev::GevStatus::WriteProtect));
 }
 
+TEST(SerialRegisters, LongRepliesAreFetchedOneWindowAtATime) {
+    Camera camera(test_camera(11));
+    TestClient client(camera.address(), camera.control_port());
+    ASSERT_EQ(client.take_control(), 0);
+    for (int i = 0; i < 30; ++i) {  // 30 x 16 bytes of replies
+        ASSERT_EQ(client.write_mem(0x80104, transmit_block("gct\r")), 0);
+    }
+    std::string received;
+    while (const std::uint32_t count = client.read_reg(0x80000)) {
+        ASSERT_LE(count, 256u);
+        const auto ack = client.read_mem(0x80004, static_cast<std::uint16_t>((count + 3) / 4 * 4));
+        ASSERT_TRUE(ack && ack->status() == 0);
+        received.append(ack->payload.begin() + 4, ack->payload.begin() + 4 + count);
+    }
+    EXPECT_EQ(received.size(), 30 * std::string("gct\r\n23.5\r\n>").size());
+}
+
 TEST(SerialRegisters, RetriedTransmitIsNotExecutedTwice) {
     Camera camera(test_camera(10));
     TestClient client(camera.address(), camera.control_port());
