@@ -9,9 +9,9 @@
 namespace RyGenApi::testing {
 namespace {
 
-constexpr int64_t kSelector = 0x100, kOperation = 0x104, kMode = 0x108, kOffset = 0x10C,
-                  kLength = 0x110, kExecute = 0x114, kStatus = 0x118, kResult = 0x11C,
-                  kSize = 0x120, kBuffer = 0x1000, kBufferLength = 512;
+constexpr int64_t kSelector = 0x100, kOperation = 0x104, kOffset = 0x10C, kLength = 0x110,
+                  kExecute = 0x114, kStatus = 0x118, kResult = 0x11C, kSize = 0x120,
+                  kBuffer = 0x1000, kBufferLength = 512;
 
 std::string FileFeatures(bool deviceManagedOffset) {
     const std::string offsetAccess = deviceManagedOffset ? "RO" : "RW";

@@ -88,6 +88,10 @@ void Loader::Run() {
     Link();
     CheckValueCycles();
     MarkFeatures();
+    // Decide cacheability now, while no other thread can see the map.
+    for (const auto& node : map_.Nodes()) {
+        node->IsVolatile();
+    }
 }
 
 void Loader::CreateNodesIn(const xml::Element& parent) {

@@ -21,34 +21,18 @@ class IntegerFacade : public Base, public virtual IInteger {
 
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
         return FormatInteger(GetValue(verify, ignoreCache), this->RepresentationValue());
     }
     void FromString(const std::string& text, bool verify) override {
-        const auto lock = this->Lock();
-        int64_t value = 0;
-        if (!ParseInteger(xml::Trim(text), value)) {
-            throw InvalidArgumentException(std::string(this->NameView()),
-                                           "'" + text + "' is not an integer");
-        }
-        SetValue(value, verify);
+        this->WriteChecked(this->ParseValueText(text, false), verify);
     }
-    bool IsValueCacheValid() const override {
-        const auto lock = this->Lock();
-        return !this->IsVolatile();
-    }
+    bool IsValueCacheValid() const override { return !this->IsVolatile(); }
 
     void SetValue(int64_t value, bool verify) override {
-        const auto lock = this->Lock();
-        this->WriteNumber(Number::Integer(value), verify);
+        this->WriteChecked(Number::Integer(value), verify);
     }
     int64_t GetValue(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
-        const Number value = this->ReadNumber(ignoreCache);
-        if (verify) {
-            this->VerifyRange(value);
-        }
-        return value.AsInteger(this->NameView());
+        return this->ReadChecked(verify, ignoreCache).AsInteger(this->NameView());
     }
     int64_t GetMin() override {
         const auto lock = this->Lock();
@@ -58,23 +42,14 @@ class IntegerFacade : public Base, public virtual IInteger {
         const auto lock = this->Lock();
         return std::min(imposedMax_, this->MaxNumber().AsInteger(this->NameView()));
     }
-    EIncMode GetIncMode() override {
-        const auto lock = this->Lock();
-        return fixedIncrement;
-    }
+    EIncMode GetIncMode() override { return fixedIncrement; }
     int64_t GetInc() override {
         const auto lock = this->Lock();
         return this->IncNumber().AsInteger(this->NameView());
     }
     std::vector<int64_t> GetListOfValidValues(bool) override { return {}; }
-    ERepresentation GetRepresentation() override {
-        const auto lock = this->Lock();
-        return this->RepresentationValue();
-    }
-    std::string GetUnit() override {
-        const auto lock = this->Lock();
-        return this->UnitValue();
-    }
+    ERepresentation GetRepresentation() override { return this->RepresentationValue(); }
+    std::string GetUnit() override { return this->UnitValue(); }
     void ImposeMin(int64_t value) override {
         const auto lock = this->Lock();
         imposedMin_ = value;
@@ -96,34 +71,18 @@ class FloatFacade : public Base, public virtual IFloat {
 
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
         return FormatReal(GetValue(verify, ignoreCache));
     }
     void FromString(const std::string& text, bool verify) override {
-        const auto lock = this->Lock();
-        double value = 0;
-        if (!ParseReal(xml::Trim(text), value)) {
-            throw InvalidArgumentException(std::string(this->NameView()),
-                                           "'" + text + "' is not a number");
-        }
-        SetValue(value, verify);
+        this->WriteChecked(this->ParseValueText(text, true), verify);
     }
-    bool IsValueCacheValid() const override {
-        const auto lock = this->Lock();
-        return !this->IsVolatile();
-    }
+    bool IsValueCacheValid() const override { return !this->IsVolatile(); }
 
     void SetValue(double value, bool verify) override {
-        const auto lock = this->Lock();
-        this->WriteNumber(Number::Real(value), verify);
+        this->WriteChecked(Number::Real(value), verify);
     }
     double GetValue(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
-        const Number value = this->ReadNumber(ignoreCache);
-        if (verify) {
-            this->VerifyRange(value);
-        }
-        return value.AsReal();
+        return this->ReadChecked(verify, ignoreCache).AsReal();
     }
     double GetMin() override {
         const auto lock = this->Lock();
@@ -133,10 +92,7 @@ class FloatFacade : public Base, public virtual IFloat {
         const auto lock = this->Lock();
         return std::min(imposedMax_, this->MaxNumber().AsReal());
     }
-    bool HasInc() override {
-        const auto lock = this->Lock();
-        return this->HasIncrement();
-    }
+    bool HasInc() override { return this->HasIncrement(); }
     EIncMode GetIncMode() override {
         const auto lock = this->Lock();
         return HasInc() ? fixedIncrement : noIncrement;
@@ -148,22 +104,10 @@ class FloatFacade : public Base, public virtual IFloat {
         }
         return this->IncNumber().AsReal();
     }
-    ERepresentation GetRepresentation() override {
-        const auto lock = this->Lock();
-        return this->RepresentationValue();
-    }
-    std::string GetUnit() override {
-        const auto lock = this->Lock();
-        return this->UnitValue();
-    }
-    EDisplayNotation GetDisplayNotation() override {
-        const auto lock = this->Lock();
-        return this->NotationValue();
-    }
-    int64_t GetDisplayPrecision() override {
-        const auto lock = this->Lock();
-        return this->PrecisionValue();
-    }
+    ERepresentation GetRepresentation() override { return this->RepresentationValue(); }
+    std::string GetUnit() override { return this->UnitValue(); }
+    EDisplayNotation GetDisplayNotation() override { return this->NotationValue(); }
+    int64_t GetDisplayPrecision() override { return this->PrecisionValue(); }
     void ImposeMin(double value) override {
         const auto lock = this->Lock();
         imposedMin_ = value;

@@ -210,6 +210,34 @@ bool Node::EntryValue(std::string_view, int64_t&) {
     return false;
 }
 
+Number Node::ReadChecked(bool verify, bool ignoreCache) {
+    const auto lock = Lock();
+    const Number value = ReadNumber(ignoreCache);
+    if (verify) {
+        VerifyRange(value);
+    }
+    return value;
+}
+
+Number Node::ParseValueText(const std::string& text, bool real) const {
+    const std::string_view trimmed = xml::Trim(text);
+    int64_t integer = 0;
+    double number = 0;
+    if (!real && ParseInteger(trimmed, integer)) {
+        return Number::Integer(integer);
+    }
+    if (real && ParseReal(trimmed, number)) {
+        return Number::Real(number);
+    }
+    throw InvalidArgumentException(std::string(name_),
+                                   "'" + text + "' is not " + (real ? "a number" : "an integer"));
+}
+
+void Node::WriteChecked(Number value, bool verify) {
+    const auto lock = Lock();
+    WriteNumber(value, verify);
+}
+
 void Node::PrepareWrite(Number value, bool verify) {
     RequireWritable();
     if (verify) {

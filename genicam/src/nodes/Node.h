@@ -108,6 +108,11 @@ class Node : public virtual INode {
     virtual std::string UnitValue() { return {}; }
     virtual EDisplayNotation NotationValue() { return fnAutomatic; }
     virtual int64_t PrecisionValue() { return 6; }
+    // Public read and write under the map lock; with verify the value read is range checked.
+    Number ReadChecked(bool verify, bool ignoreCache);
+    // Text given to FromString; throws InvalidArgumentException naming the node.
+    Number ParseValueText(const std::string& text, bool real) const;
+    void WriteChecked(Number value, bool verify);
     // Checks access and, with verify, range and increment before a write.
     void PrepareWrite(Number value, bool verify);
 

@@ -29,10 +29,7 @@ class TextValueNode : public Node, public virtual IValue {
   public:
     using Node::Node;
     INode* GetNode() override { return this; }
-    bool IsValueCacheValid() const override {
-        const auto lock = this->Lock();
-        return !IsVolatile();
-    }
+    bool IsValueCacheValid() const override { return !IsVolatile(); }
 };
 
 class CategoryNode : public TextValueNode, public virtual ICategory {
@@ -177,13 +174,9 @@ class StringNode : public TextValueNode, public virtual IString {
   public:
     StringNode(NodeMapImpl& map, std::string_view name) : TextValueNode(map, name, intfIString) {}
     std::string ToString(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override {
-        const auto lock = this->Lock();
-        SetValue(text, verify);
-    }
+    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
     void SetValue(const std::string& value, bool verify) override;
     std::string GetValue(bool verify, bool ignoreCache) override;
     int64_t GetMaxLength() override;
@@ -217,13 +210,9 @@ class LegacyTextNode : public TextValueNode, public virtual IString {
     LegacyTextNode(NodeMapImpl& map, std::string_view name)
         : TextValueNode(map, name, intfIString) {}
     std::string ToString(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override {
-        const auto lock = this->Lock();
-        SetValue(text, verify);
-    }
+    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
     void SetValue(const std::string&, bool) override {
         const auto lock = this->Lock();
         RequireWritable();

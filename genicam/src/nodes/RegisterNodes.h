@@ -152,13 +152,9 @@ class StringRegNode : public RegisterNode, public virtual IString {
     StringRegNode(NodeMapImpl& map, std::string_view name) : RegisterNode(map, name, intfIString) {}
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override {
-        const auto lock = this->Lock();
         return GetValue(verify, ignoreCache);
     }
-    void FromString(const std::string& text, bool verify) override {
-        const auto lock = this->Lock();
-        SetValue(text, verify);
-    }
+    void FromString(const std::string& text, bool verify) override { SetValue(text, verify); }
     void SetValue(const std::string& value, bool verify) override;
     std::string GetValue(bool verify, bool ignoreCache) override;
     int64_t GetMaxLength() override {
