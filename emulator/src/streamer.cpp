@@ -39,13 +39,24 @@ Streamer::~Streamer() {
     thread_.join();
 }
 
-void Streamer::rebuild_packets(const ImageSettings& image) {
+// Builds the packets for the current plan and channel outside the lock: a large test image
+// takes a while, and neither the control thread nor resends should wait for it.
+bool Streamer::refresh_packets(std::unique_lock<std::mutex>& lock) {
+    const ImageSettings image = plan_.image;
     const PacketLayout layout{channel_.packet_size, channel_.extended_ids};
     if (!packets_.empty() && packets_.image() == image && packets_.layout() == layout) {
-        return;
+        return true;
     }
-    packets_ = FramePackets(image, layout);
+    lock.unlock();
+    FramePackets fresh(image, layout);
+    lock.lock();
+    if (!(plan_.image == image) ||
+        !(PacketLayout{channel_.packet_size, channel_.extended_ids} == layout)) {
+        return false;  // changed meanwhile: build again on the next round
+    }
+    packets_ = std::move(fresh);
     window_.clear();  // older blocks no longer match the packets that would be rebuilt
+    return true;
 }
 
 void Streamer::set_channel(const StreamChannel& channel) {
@@ -53,8 +64,8 @@ void Streamer::set_channel(const StreamChannel& channel) {
     channel_ = channel;
     socket_.set_option(IPPROTO_IP, IP_MTU_DISCOVER,
                        channel.do_not_fragment ? IP_PMTUDISC_DO : IP_PMTUDISC_DONT);
-    if (!packets_.empty()) {
-        rebuild_packets(packets_.image());
+    if (!(packets_.layout() == PacketLayout{channel.packet_size, channel.extended_ids})) {
+        window_.clear();  // resends of older blocks would come out in the wrong layout
     }
 }
 
@@ -67,7 +78,6 @@ void Streamer::start(const AcquisitionPlan& plan) {
     {
         std::lock_guard lock(mutex_);
         plan_ = plan;
-        rebuild_packets(plan.image);
         frames_left_ = plan.mode == AcquisitionMode::SingleFrame  ? 1
                        : plan.mode == AcquisitionMode::MultiFrame ? std::max(1u, plan.frame_count)
                                                                   : 0;
@@ -145,7 +155,7 @@ void Streamer::run() {
             due = std::chrono::steady_clock::now();
             continue;
         }
-        if (!wait_for_frame(lock, due)) {
+        if (!wait_for_frame(lock, due) || !refresh_packets(lock) || !acquiring_) {
             continue;
         }
         // The camera reads as idle as soon as the last frame goes out, so a host that

@@ -95,7 +95,7 @@ class Streamer {
                      std::uint16_t flags);
     std::uint64_t next_block_id();
     void finish_acquisition();
-    void rebuild_packets(const ImageSettings& image);
+    bool refresh_packets(std::unique_lock<std::mutex>& lock);
     bool send_datagram(const std::uint8_t* data, std::size_t size);
 
     UdpSocket socket_;
