@@ -5,6 +5,8 @@
 namespace {
 
 struct UnloadGuard {
+    // Creating the library state first makes it outlive this guard at unload.
+    UnloadGuard() { ry::gentl::TheLibrary(); }
     ~UnloadGuard() {
         ry::gentl::Library& library = ry::gentl::TheLibrary();
         std::lock_guard lock(library.mutex);
