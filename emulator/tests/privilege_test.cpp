@@ -35,6 +35,12 @@ TEST_F(Privilege, ControlLeavesOthersReadOnly) {
     EXPECT_EQ(primary_.write_reg(reg::kWidth, 128), kDenied);
 }
 
+TEST_F(Privilege, ControlCanBeTakenWithWriteMem) {
+    EXPECT_EQ(primary_.write_mem(0x0A00, {0, 0, 0, 2}), 0);
+    EXPECT_EQ(other_.write_mem(0x0A00, {0, 0, 0, 2}), kDenied);
+    EXPECT_EQ(primary_.read_reg(0x0A00), 2u);
+}
+
 TEST_F(Privilege, ExclusiveRefusesEvenReads) {
     ASSERT_EQ(primary_.take_control(1), 0);
     const auto ack = other_.read_regs({0x0938});
