@@ -3,6 +3,7 @@
 // client.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <set>
@@ -246,6 +247,38 @@ TEST_F(EmulatorTest, SlowAndMalformedAnswersGiveErrorCodes) {
     faults.malformed_packets = false;
     camera.set_faults(faults);
     EXPECT_EQ(ReadBigEndian(device, 0x0000) >> 16, 2u);  // and the channel recovers
+}
+
+TEST_F(EmulatorTest, ForceIpMovesTheCameraToANewAddress) {
+    emulator::Camera& camera = Start(Config("127.0.0.2", "MOVE"));
+    bool8_t changed = 0;
+    ASSERT_EQ(IFUpdateDeviceList(iface_, &changed, 200), GC_ERR_SUCCESS);
+    char mac[32];
+    size_t macSize = sizeof mac;
+    ASSERT_EQ(TLGetDiscoveryInfo(iface_, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr, nullptr, mac, &macSize),
+              GC_ERR_SUCCESS);
+    unsigned parts[6] = {};
+    ASSERT_EQ(std::sscanf(mac, "%x:%x:%x:%x:%x:%x", &parts[0], &parts[1], &parts[2], &parts[3],
+                          &parts[4], &parts[5]),
+              6);
+    uint8_t bytes[6];
+    for (int i = 0; i < 6; ++i)
+        bytes[i] = static_cast<uint8_t>(parts[i]);
+    uint8_t stranger[6] = {0x02, 0, 0, 0, 0, 0x99};
+    EXPECT_EQ(IFSetForceIP(iface_, stranger, 0x7F000008, 0xFF000000, 0, 200), GC_ERR_TIMEOUT);
+    EXPECT_EQ(IFSetForceIP(iface_, nullptr, 0x7F000008, 0xFF000000, 0, 200),
+              GC_ERR_INVALID_PARAMETER);
+    ASSERT_EQ(IFSetForceIP(iface_, bytes, 0x7F000007, 0xFF000000, 0, 1000), GC_ERR_SUCCESS);
+    EXPECT_EQ(camera.address(), "127.0.0.7");
+    ASSERT_EQ(IFUpdateDeviceList(iface_, &changed, 200), GC_ERR_SUCCESS);
+    EXPECT_EQ(changed, 1);
+    char ip[32];
+    size_t ipSize = sizeof ip;
+    ASSERT_EQ(TLGetDiscoveryInfo(iface_, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 ip, &ipSize, nullptr, nullptr),
+              GC_ERR_SUCCESS);
+    EXPECT_STREQ(ip, "127.0.0.7");
 }
 
 }  // namespace
