@@ -176,7 +176,7 @@ FormulaValue FormulaNode::Read(int slot) {
         case Aspect::Inc:
             return ToFormulaValue(node.IncNumber());
         case Aspect::AccessMode:
-            return FormulaValue::Integer(node.GetAccessMode());
+            return FormulaValue::Integer(node.EffectiveAccessMode());
         case Aspect::Visibility:
             return FormulaValue::Integer(node.GetVisibility());
         case Aspect::CachingMode:
@@ -236,12 +236,12 @@ EAccessMode FormulaNode::NaturalAccessMode() const {
             variable.name.ends_with(".CachingMode")) {
             continue;
         }
-        if (!IsReadable(variable.ref.node->GetAccessMode())) {
+        if (!IsReadable(variable.ref.node->EffectiveAccessMode())) {
             return NA;
         }
     }
     if (isConverter_) {
-        return target_ ? target_.node->GetAccessMode() : NI;
+        return target_ ? target_.node->EffectiveAccessMode() : NI;
     }
     return RO;
 }

@@ -110,6 +110,10 @@ void Node::FireCallbacks() {
 
 EAccessMode Node::GetAccessMode() const {
     const auto lock = this->Lock();
+    return EffectiveAccessMode();
+}
+
+EAccessMode Node::EffectiveAccessMode() const {
     if (cachedAccess_ != _UndefinedAccesMode) {
         return cachedAccess_;
     }
@@ -140,7 +144,7 @@ EAccessMode Node::GetAccessMode() const {
 
 bool Node::ReadFlag(const Ref& ref, bool whenUnreadable) const {
     try {
-        if (!IsReadable(ref.node->GetAccessMode())) {
+        if (!IsReadable(ref.node->EffectiveAccessMode())) {
             return whenUnreadable;
         }
         return ref.node->ReadNumber(false).AsInteger(ref.name) != 0;
@@ -168,7 +172,7 @@ EAccessMode Node::ComputeAccessMode() const {
 }
 
 void Node::RequireReadable() const {
-    const EAccessMode mode = GetAccessMode();
+    const EAccessMode mode = EffectiveAccessMode();
     if (!IsReadable(mode)) {
         throw AccessException(
             std::string(name_),
@@ -177,7 +181,7 @@ void Node::RequireReadable() const {
 }
 
 void Node::RequireWritable() const {
-    const EAccessMode mode = GetAccessMode();
+    const EAccessMode mode = EffectiveAccessMode();
     if (!IsWritable(mode)) {
         throw AccessException(
             std::string(name_),

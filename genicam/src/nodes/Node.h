@@ -66,6 +66,8 @@ class Node : public virtual INode {
 
     // INode / IBase
     EAccessMode GetAccessMode() const override;
+    // The access mode for callers that already hold the map lock.
+    EAccessMode EffectiveAccessMode() const;
     std::string GetName(bool fullQualified = false) const override;
     ENameSpace GetNameSpace() const override { return nameSpace_; }
     EVisibility GetVisibility() const override;

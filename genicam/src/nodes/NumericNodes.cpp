@@ -113,7 +113,7 @@ EAccessMode NumericNode::NaturalAccessMode() const {
         return NA;
     }
     if (row->ref) {
-        return row->ref.node->GetAccessMode();
+        return row->ref.node->EffectiveAccessMode();
     }
     if (row->constant) {
         return RW;

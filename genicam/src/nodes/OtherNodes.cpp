@@ -162,7 +162,7 @@ void EnumerationNode::Finish(Loader&) {
 
 EAccessMode EnumerationNode::NaturalAccessMode() const {
     if (value_) {
-        return value_.node->GetAccessMode();
+        return value_.node->EffectiveAccessMode();
     }
     return constant_ ? RW : NI;
 }
@@ -207,7 +207,7 @@ void EnumerationNode::SetIntValue(int64_t value, bool verify) {
                 std::string(name_),
                 "value " + std::to_string(value) + " is not an entry of the enumeration");
         }
-        if (!IsAvailable(entry->GetAccessMode())) {
+        if (!IsAvailable(entry->EffectiveAccessMode())) {
             throw AccessException(std::string(name_),
                                   "entry " + entry->GetSymbolic() + " is not available");
         }
@@ -243,7 +243,7 @@ void EnumerationNode::FromString(const std::string& symbolic, bool verify) {
         throw InvalidArgumentException(std::string(name_),
                                        "'" + symbolic + "' is not an entry of the enumeration");
     }
-    if (!IsAvailable(entry->GetAccessMode())) {
+    if (!IsAvailable(entry->EffectiveAccessMode())) {
         throw AccessException(std::string(name_), "entry " + symbolic + " is not available");
     }
     SetIntValue(entry->Value(), verify);
@@ -253,7 +253,7 @@ void EnumerationNode::GetSymbolics(StringList_t& symbolics) {
     const auto lock = this->Lock();
     symbolics.clear();
     for (EnumEntryNode* entry : entries_) {
-        if (IsAvailable(entry->GetAccessMode())) {
+        if (IsAvailable(entry->EffectiveAccessMode())) {
             symbolics.push_back(entry->GetSymbolic());
         }
     }
@@ -302,7 +302,7 @@ void EnumerationNode::WriteNumber(Number value, bool verify) {
     double bestDistance = std::numeric_limits<double>::infinity();
     for (EnumEntryNode* entry : entries_) {
         const double distance = std::fabs(entry->GetNumericValue() - value.real);
-        if (IsAvailable(entry->GetAccessMode()) && distance < bestDistance) {
+        if (IsAvailable(entry->EffectiveAccessMode()) && distance < bestDistance) {
             nearest = entry;
             bestDistance = distance;
         }
@@ -356,7 +356,7 @@ void BooleanNode::VisitReferences(const std::function<void(Ref&, RefKind)>& visi
 
 EAccessMode BooleanNode::NaturalAccessMode() const {
     if (value_) {
-        return value_.node->GetAccessMode();
+        return value_.node->EffectiveAccessMode();
     }
     return constant_ ? RW : NI;
 }
@@ -445,7 +445,7 @@ void CommandNode::VisitReferences(const std::function<void(Ref&, RefKind)>& visi
 
 EAccessMode CommandNode::NaturalAccessMode() const {
     if (value_) {
-        return value_.node->GetAccessMode();
+        return value_.node->EffectiveAccessMode();
     }
     return constant_ ? RW : NI;
 }
@@ -470,10 +470,10 @@ void CommandNode::Execute(bool verify) {
 
 bool CommandNode::IsDone(bool) {
     const auto lock = this->Lock();
-    if (GetAccessMode() == NI) {
+    if (EffectiveAccessMode() == NI) {
         throw AccessException(std::string(name_), "command is not implemented");
     }
-    if (!value_ || !IsReadable(value_.node->GetAccessMode())) {
+    if (!value_ || !IsReadable(value_.node->EffectiveAccessMode())) {
         return true;
     }
     // The device clears the register once the command has finished.
@@ -528,7 +528,7 @@ void StringNode::Finish(Loader&) {
 
 EAccessMode StringNode::NaturalAccessMode() const {
     if (target_) {
-        return target_.node->GetAccessMode();
+        return target_.node->EffectiveAccessMode();
     }
     return hasConstant_ ? RW : NI;
 }

@@ -428,7 +428,7 @@ void MaskedIntRegNode::WriteNumber(Number value, bool verify) {
     const auto length = static_cast<size_t>(FixedLength());
     uint64_t registerValue = 0;
     // Other fields of the register must survive, so read it fresh unless it is write-only.
-    if (IsReadable(GetAccessMode())) {
+    if (IsReadable(EffectiveAccessMode())) {
         const std::vector<uint8_t>& bytes = ReadRegister(true);
         registerValue = Assemble(bytes);
     }
