@@ -273,7 +273,8 @@ TEST(Values, EnumerationEntriesAndLookups) {
         <EnumEntry Name="SingleFrame"><Value>1</Value><NumericValue>1.5</NumericValue></EnumEntry>
         <EnumEntry Name="Hidden"><pIsAvailable>Zero</pIsAvailable><Value>2</Value></EnumEntry>
         <EnumEntry Name="Absent"><pIsImplemented>Zero</pIsImplemented><Value>3</Value></EnumEntry>
-        <pValue>ModeReg</pValue></Enumeration>)" +
+        <pValue>ModeReg</pValue></Enumeration>
+      <Float Name="ModeAsFloat"><pValue>Mode</pValue></Float>)" +
               Reg("ModeReg", "<Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"));
     auto* mode = f.Get<IEnumeration>("Mode");
     NodeList_t entries;
@@ -299,6 +300,12 @@ TEST(Values, EnumerationEntriesAndLookups) {
     f.map._InvalidateNodes();
     EXPECT_EQ(mode->GetIntValue(), 9);
     EXPECT_THROW(mode->GetCurrentEntry(), OutOfRangeException);
+    // A number written through a reference picks the entry with the nearest numeric value.
+    f.port.Poke32LittleEndian(0, 0);
+    f.map._InvalidateNodes();
+    f.Get<IFloat>("ModeAsFloat")->SetValue(1.4);
+    EXPECT_EQ(mode->GetIntValue(), 1);
+    EXPECT_DOUBLE_EQ(f.Get<IFloat>("ModeAsFloat")->GetValue(), 1.5);
     EXPECT_EQ(entries[3]->GetAccessMode(), NI);
     EXPECT_EQ(entries[2]->GetAccessMode(), NA);
     EXPECT_EQ(entries[0]->GetAccessMode(), RO);

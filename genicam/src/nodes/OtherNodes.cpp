@@ -293,15 +293,13 @@ Number EnumerationNode::ReadNumber(bool ignoreCache) {
     return Number::Integer(value);
 }
 
+// A number written through a reference selects the available entry whose numeric value is
+// nearest; entries without NumericValue count with their Value.
 void EnumerationNode::WriteNumber(Number value, bool verify) {
-    if (!value.isReal) {
-        SetIntValue(value.integer, verify);
-        return;
-    }
     EnumEntryNode* nearest = nullptr;
     double bestDistance = std::numeric_limits<double>::infinity();
     for (EnumEntryNode* entry : entries_) {
-        const double distance = std::fabs(entry->GetNumericValue() - value.real);
+        const double distance = std::fabs(entry->GetNumericValue() - value.AsReal());
         if (IsAvailable(entry->EffectiveAccessMode()) && distance < bestDistance) {
             nearest = entry;
             bestDistance = distance;
