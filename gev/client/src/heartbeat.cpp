@@ -60,9 +60,9 @@ void Heartbeat::Stop() {
 }
 
 bool Heartbeat::Beat(GC_ERROR& error) {
-    const uint32_t period = TimeoutMs() / 3;
-    // One beat may not outlast its period, or a dead device would be noticed late.
-    const RequestBudget budget{std::max<uint32_t>(period, 20), 2};
+    // Half the time-out per beat: a slow answer is not yet a lost device, and `count` failed
+    // beats in a row still fit in time-out x count (the first starts within a third of it).
+    const RequestBudget budget{std::max<uint32_t>(TimeoutMs() / 2, 20), 3};
     uint32_t privilege = 0;
     error = channel_.ReadRegister(bootstrap::kControlChannelPrivilege, privilege, budget);
     if (error != GC_ERR_SUCCESS)
@@ -89,8 +89,8 @@ void Heartbeat::Run(std::stop_token stop) {
             return;
         }
         std::unique_lock lock(mutex_);
-        // A failed beat is retried sooner: the check count, not the period, bounds detection.
-        const uint32_t wait = alive ? timeoutMs_ / 3 : std::min<uint32_t>(timeoutMs_ / 10, 100);
+        // A failed beat is retried at once: the check count, not the period, bounds detection.
+        const uint32_t wait = alive ? timeoutMs_ / 3 : 0;
         wake_.wait_for(lock, stop, std::chrono::milliseconds(wait), [] { return false; });
     }
 }
