@@ -1,6 +1,7 @@
 #include "ry/gev/client/heartbeat.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ry/gev/protocol/bootstrap.h"
 
@@ -20,6 +21,7 @@ void Heartbeat::SetTimeoutMs(uint32_t timeoutMs) {
     {
         std::lock_guard lock(mutex_);
         timeoutMs_ = std::max<uint32_t>(timeoutMs, 100);
+        timeoutChanged_ = true;
     }
     wake_.notify_all();
 }
@@ -91,7 +93,10 @@ void Heartbeat::Run(std::stop_token stop) {
         std::unique_lock lock(mutex_);
         // A failed beat is retried at once: the check count, not the period, bounds detection.
         const uint32_t wait = alive ? timeoutMs_ / 3 : 0;
-        wake_.wait_for(lock, stop, std::chrono::milliseconds(wait), [] { return false; });
+        // A new time-out ends the wait: a shorter one must not expire while we sleep on the
+        // old period.
+        wake_.wait_for(lock, stop, std::chrono::milliseconds(wait),
+                       [this] { return std::exchange(timeoutChanged_, false); });
     }
 }
 

@@ -44,6 +44,20 @@ TEST_F(HeartbeatTest, KeepsThePrivilegePastTheDeviceTimeout) {
     EXPECT_FALSE(heartbeat.Lost());
 }
 
+TEST_F(HeartbeatTest, AShorterTimeoutTakesEffectAtOnce) {
+    Heartbeat heartbeat(channel_, [](GC_ERROR) { ADD_FAILURE() << "reported lost"; });
+    heartbeat.SetTimeoutMs(3000);  // first period: one beat a second
+    heartbeat.Start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    camera_->SetRegister(reg::kHeartbeatTimeout, 600);
+    heartbeat.SetTimeoutMs(600);  // must not sleep out the old period
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    uint32_t ccp = 0;
+    ASSERT_EQ(channel_.ReadRegister(reg::kControlChannelPrivilege, ccp), GC_ERR_SUCCESS);
+    EXPECT_EQ(ccp, 2u);
+    EXPECT_FALSE(heartbeat.Lost());
+}
+
 TEST_F(HeartbeatTest, ReportsAnUnpluggedDeviceOnceWithinTimeoutTimesCount) {
     std::promise<GC_ERROR> lost;
     std::atomic<int> reports{0};

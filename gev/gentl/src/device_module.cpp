@@ -143,16 +143,25 @@ GC_ERROR DeviceModule::PortUrl(std::string& url) {
 GC_ERROR DeviceModule::SetHeartbeatTimeout(uint32_t timeoutMs) {
     if (timeoutMs < kMinHeartbeatMs)
         return GC_ERR_INVALID_PARAMETER;
-    if (Privileged()) {
-        const GC_ERROR rc = control_.WriteRegister(reg::kHeartbeatTimeout, timeoutMs);
-        if (rc != GC_ERR_SUCCESS)
-            return rc;
+    uint32_t previous = 0;
+    {
+        std::lock_guard lock(mutex_);
+        previous = heartbeatTimeoutMs_;
+        heartbeatTimeoutMs_ = timeoutMs;
+        // Beat at the new pace before the device applies a shorter time-out.
+        if (heartbeat_)
+            heartbeat_->SetTimeoutMs(timeoutMs);
     }
-    std::lock_guard lock(mutex_);
-    heartbeatTimeoutMs_ = timeoutMs;
-    if (heartbeat_)
-        heartbeat_->SetTimeoutMs(timeoutMs);
-    return GC_ERR_SUCCESS;
+    if (!Privileged())
+        return GC_ERR_SUCCESS;
+    const GC_ERROR rc = control_.WriteRegister(reg::kHeartbeatTimeout, timeoutMs);
+    if (rc != GC_ERR_SUCCESS) {
+        std::lock_guard lock(mutex_);
+        heartbeatTimeoutMs_ = previous;
+        if (heartbeat_)
+            heartbeat_->SetTimeoutMs(previous);
+    }
+    return rc;
 }
 
 uint32_t DeviceModule::HeartbeatTimeout() const {

@@ -175,7 +175,7 @@ TEST_F(EmulatorTest, PulledCableRaisesTheErrorEvent) {
     ASSERT_EQ(GCRegisterEvent(device, EVENT_ERROR, &error), GC_ERR_SUCCESS);
     RY_DEVICE_ERROR_DATA data{1, 0};
     size_t size = sizeof data;
-    EXPECT_EQ(EventGetData(error, &data, &size, 1200), GC_ERR_TIMEOUT);
+    EXPECT_EQ(EventGetData(error, &data, &size, 1200), GC_ERR_TIMEOUT) << "reported " << data.error;
     auto faults = camera.faults();
     faults.unplugged = true;
     camera.set_faults(faults);

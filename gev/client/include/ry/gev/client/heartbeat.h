@@ -42,6 +42,7 @@ class Heartbeat {
     std::condition_variable_any wake_;
     uint32_t timeoutMs_ = 3000;
     uint32_t checkCount_ = 3;
+    bool timeoutChanged_ = false;
     bool lost_ = false;
     std::jthread thread_;
 };
