@@ -120,6 +120,15 @@ TEST_F(Stream, SoftwareAndExternalTriggersProduceOneFrameEach) {
     expect_block(pf::kMono8, 64, 32, 1464);
 }
 
+TEST_F(Stream, TestPacketHasThePacketSize) {
+    ASSERT_EQ(open_stream(client_, receiver_, 4000), 0);
+    ASSERT_EQ(client_.write_reg(0x0D04, 0xC0000000 | 3000), 0);  // fire, do not fragment
+    const auto packet = receiver_.next();
+    ASSERT_TRUE(packet);
+    EXPECT_EQ(packet->data.size() + 8, 3000u - 28u);          // UDP payload = SCPS - IP/UDP headers
+    EXPECT_EQ(client_.read_reg(0x0D04), 0x40000000u | 3000);  // the fire bit reads back 0
+}
+
 TEST_F(Stream, StreamHoldKeepsFramesUntilReleased) {
     ASSERT_EQ(open_stream(client_, receiver_), 0);
     ASSERT_EQ(client_.write_reg(reg::kStreamHold, 1), 0);
