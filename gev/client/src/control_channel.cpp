@@ -238,38 +238,43 @@ GC_ERROR ControlChannel::WriteAligned(uint32_t address, std::span<const uint8_t>
     });
 }
 
-GC_ERROR ControlChannel::ReadMemory(uint64_t address, std::span<uint8_t> data) {
-    if (data.empty())
-        return GC_ERR_INVALID_PARAMETER;
-    if (address + data.size() > 0x100000000ull)
-        return GC_ERR_INVALID_ADDRESS;
+// The whole words that hold [address, address + size); nullopt for an empty range or one
+// beyond the 32-bit address space.
+std::optional<ControlChannel::WordRange> ControlChannel::CoverWords(uint64_t address, size_t size) {
+    if (size == 0 || address + size > 0x100000000ull)
+        return std::nullopt;
     const uint32_t start = AlignDown(address);
-    const uint64_t end = (address + data.size() + 3) & ~3ull;
-    if (start == address && end == address + data.size())
-        return ReadAligned(start, data);
-    std::vector<uint8_t> whole(static_cast<size_t>(end - start));
-    const GC_ERROR rc = ReadAligned(start, whole);
+    const uint64_t end = (address + size + 3) & ~3ull;
+    return WordRange{start, static_cast<size_t>(end - start), static_cast<size_t>(address - start),
+                     start == address && end == address + size};
+}
+
+GC_ERROR ControlChannel::ReadMemory(uint64_t address, std::span<uint8_t> data) {
+    const auto words = CoverWords(address, data.size());
+    if (!words)
+        return data.empty() ? GC_ERR_INVALID_PARAMETER : GC_ERR_INVALID_ADDRESS;
+    if (words->exact)
+        return ReadAligned(words->start, data);
+    std::vector<uint8_t> whole(words->size);
+    const GC_ERROR rc = ReadAligned(words->start, whole);
     if (rc == GC_ERR_SUCCESS)
-        std::memcpy(data.data(), whole.data() + (address - start), data.size());
+        std::memcpy(data.data(), whole.data() + words->skip, data.size());
     return rc;
 }
 
 GC_ERROR ControlChannel::WriteMemory(uint64_t address, std::span<const uint8_t> data) {
-    if (data.empty())
-        return GC_ERR_INVALID_PARAMETER;
-    if (address + data.size() > 0x100000000ull)
-        return GC_ERR_INVALID_ADDRESS;
-    const uint32_t start = AlignDown(address);
-    const uint64_t end = (address + data.size() + 3) & ~3ull;
-    if (start == address && end == address + data.size())
-        return WriteAligned(start, data);
+    const auto words = CoverWords(address, data.size());
+    if (!words)
+        return data.empty() ? GC_ERR_INVALID_PARAMETER : GC_ERR_INVALID_ADDRESS;
+    if (words->exact)
+        return WriteAligned(words->start, data);
     // The device only takes whole words: keep the bytes around the caller's range as they are.
-    std::vector<uint8_t> whole(static_cast<size_t>(end - start));
-    GC_ERROR rc = ReadAligned(start, whole);
+    std::vector<uint8_t> whole(words->size);
+    const GC_ERROR rc = ReadAligned(words->start, whole);
     if (rc != GC_ERR_SUCCESS)
         return rc;
-    std::memcpy(whole.data() + (address - start), data.data(), data.size());
-    return WriteAligned(start, whole);
+    std::memcpy(whole.data() + words->skip, data.data(), data.size());
+    return WriteAligned(words->start, whole);
 }
 
 void ControlChannel::SendPacketResend(uint16_t channel, uint64_t blockId, uint32_t first,

@@ -124,12 +124,7 @@ TEST_F(AravisInteropTest, StreamsCompleteFrames) {
     DS_HANDLE stream = nullptr;
     ASSERT_EQ(DevOpenDataStream(device, "Stream0", &stream), GC_ERR_SUCCESS);
     std::vector<std::vector<uint8_t>> memory(4, std::vector<uint8_t>(payloadSize));
-    for (auto& block : memory) {
-        BUFFER_HANDLE handle = nullptr;
-        ASSERT_EQ(DSAnnounceBuffer(stream, block.data(), block.size(), nullptr, &handle),
-                  GC_ERR_SUCCESS);
-        ASSERT_EQ(DSQueueBuffer(stream, handle), GC_ERR_SUCCESS);
-    }
+    ASSERT_NO_FATAL_FAILURE(LibraryTest::AnnounceAndQueue(stream, memory));
     EVENT_HANDLE event = nullptr;
     ASSERT_EQ(GCRegisterEvent(stream, EVENT_NEW_BUFFER, &event), GC_ERR_SUCCESS);
     ASSERT_EQ(DSStartAcquisition(stream, 0, 1), GC_ERR_SUCCESS);

@@ -43,6 +43,16 @@ class LibraryTest : public ::testing::Test {
         return GCWritePort(device, address, bytes, &size);
     }
 
+    // Announces each block of `memory` on the stream and queues it.
+    static void AnnounceAndQueue(DS_HANDLE stream, std::vector<std::vector<uint8_t>>& memory) {
+        for (auto& block : memory) {
+            BUFFER_HANDLE handle = nullptr;
+            ASSERT_EQ(DSAnnounceBuffer(stream, block.data(), block.size(), nullptr, &handle),
+                      GC_ERR_SUCCESS);
+            ASSERT_EQ(DSQueueBuffer(stream, handle), GC_ERR_SUCCESS);
+        }
+    }
+
   protected:
     void SetUp() override {
         if (!ry::gev::testing::EnterPrivateNetwork())

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -59,6 +60,13 @@ class ControlChannel {
 
   private:
     using Payload = std::vector<uint8_t>;
+    struct WordRange {
+        uint32_t start = 0;
+        size_t size = 0;
+        size_t skip = 0;     // bytes before the caller's first one
+        bool exact = false;  // the caller's range is whole words already
+    };
+    static std::optional<WordRange> CoverWords(uint64_t address, size_t size);
     GC_ERROR Exchange(GvcpCommand command, std::span<const uint8_t> request, uint16_t requestId,
                       RequestBudget budget, Payload& answer);
     uint16_t NextRequestId();
