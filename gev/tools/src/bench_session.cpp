@@ -220,6 +220,17 @@ int BenchSession::MeasureStream(const BenchOptions& options) {
     const double cpu = CpuSeconds() - cpuStart;
     ExecuteCommand("AcquisitionStop");
     DSStopAcquisition(stream_, ACQ_STOP_FLAGS_KILL);
+    const auto counter = [&](STREAM_INFO_CMD cmd) {
+        uint64_t value = 0;
+        size_t size = sizeof value;
+        INFO_DATATYPE type = 0;
+        DSGetInfo(stream_, cmd, &type, &value, &size);
+        return static_cast<unsigned long long>(value);
+    };
+    // The producer's own view, to tell frames lost for want of a buffer from lost packets.
+    std::printf("underrun=%llu corrupted=%llu missing_packets=%llu resent_packets=%llu\n",
+                counter(STREAM_INFO_NUM_UNDERRUN), counter(STREAM_INFO_NUM_CORRUPTED),
+                counter(STREAM_INFO_NUM_MISSING_PACKETS), counter(STREAM_INFO_NUM_RESENT_PACKETS));
     const double gigabytes = bytes / 1e9;
     std::printf("frames=%llu incomplete=%llu lost=%llu MBps=%.1f cpu_s_per_GB=%.3f\n",
                 static_cast<unsigned long long>(frames),
