@@ -116,6 +116,9 @@ uint32_t StreamModule::NegotiatePacketSize() {
         std::max<uint32_t>(device_->Settings()->mtuTimeoutMs.load() / 4, 5));
     const uint32_t scpsAddress =
         reg::stream_channel_register(reg::kStreamChannelPacketSize, channel_);
+    uint32_t original = 0;
+    if (device_->Control().ReadRegister(scpsAddress, original) != GC_ERR_SUCCESS)
+        return 0;
     std::vector<uint8_t> buffer(kLargestPacket + 64);
     uint32_t chosen = 0;
     for (uint32_t size : candidates) {
@@ -131,8 +134,9 @@ uint32_t StreamModule::NegotiatePacketSize() {
             break;
         }
     }
-    if (chosen != 0)
-        device_->Control().WriteRegister(scpsAddress, chosen);
+    // Without an answer the device keeps the packet size it had.
+    device_->Control().WriteRegister(scpsAddress,
+                                     chosen != 0 ? chosen : original & ~kFireTestPacket);
     return chosen;
 }
 

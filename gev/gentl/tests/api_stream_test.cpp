@@ -310,5 +310,18 @@ TEST_F(StreamTest, MulticastModeSendsTheStreamToTheGroupAndJoinsIt) {
     EXPECT_EQ(DevSetMultiCastMode(device_, 1, 0x7F000001), GC_ERR_INVALID_PARAMETER);
 }
 
+TEST_F(StreamTest, MtuOptimisationLeavesASilentDeviceItsPacketSize) {
+    const uint32_t on = 1, probeMs = 40;
+    size_t size = 4;
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_MTU_OPTIMIZE, &on, &size), GC_ERR_SUCCESS);
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_MTU_DETECT_TIMEOUT_MS, &probeMs, &size),
+              GC_ERR_SUCCESS);
+    OpenStream(1);  // the test camera never answers a test packet
+    EXPECT_EQ(Camera().Register(0x0D04), 1500u);
+    EXPECT_EQ(StreamInfo(stream_, STREAM_INFO_PACKET_SIZE), 1500u);
+    Camera().SendFrame(kWidth, kHeight, Pattern(4));
+    EXPECT_EQ(Next(), handles_[0]);
+}
+
 }  // namespace
 }  // namespace ry::gentl::testing
