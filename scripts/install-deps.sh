@@ -10,7 +10,7 @@ packages=(
     iproute2 util-linux nftables
     clang-format
     # peers and references the tests and benchmarks compare against
-    libopencv-dev aravis-tools-cli tshark
+    libopencv-dev aravis-tools-cli aravis-tools tshark
 )
 
 missing=()
