@@ -8,9 +8,9 @@ packages=(
     zlib1g-dev libminizip-dev libsimde-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     iproute2 util-linux nftables
-    clang-format
+    clang-format clang libclang-rt-14-dev
     # peers and references the tests and benchmarks compare against
-    libopencv-dev aravis-tools-cli aravis-tools tshark
+    libopencv-dev libaravis-dev aravis-tools-cli aravis-tools tshark
 )
 
 missing=()

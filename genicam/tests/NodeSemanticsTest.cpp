@@ -360,6 +360,36 @@ TEST(Values, BooleanCommandAndString) {
     EXPECT_EQ(f.Get<IString>("Label")->GetValue(), "hello");
 }
 
+TEST(Values, DeviceErrorAfterWriteIsThrownWithItsEntry) {
+    // The error register is volatile: the device sets it in answer to the write.
+    Fixture f(R"(
+      <Command Name="Save"><pValue>SaveReg</pValue><CommandValue>1</CommandValue>
+        <pError>SaveError</pError></Command>
+      <Integer Name="Gain"><pValue>GainReg</pValue><pError>SaveError</pError></Integer>
+      <Enumeration Name="SaveError"><pValue>ErrorReg</pValue>
+        <EnumEntry Name="NoError"><Value>0</Value></EnumEntry>
+        <EnumEntry Name="StorageFull"><Value>3</Value></EnumEntry></Enumeration>)" +
+              Reg("SaveReg", "<Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>") +
+              Reg("GainReg", "<Address>4</Address><Length>4</Length><AccessMode>RW</AccessMode>") +
+              Reg("ErrorReg",
+                  "<Address>8</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+                  "<Cachable>NoCache</Cachable>"));
+    f.Get<ICommand>("Save")->Execute();  // error register reads NoError
+    f.port.onWrite = [&](int64_t address, int64_t) {
+        f.port.Poke32LittleEndian(8, address == 0 ? 3 : 7);
+    };
+    try {
+        f.Get<ICommand>("Save")->Execute();
+        FAIL() << "the device's error went unreported";
+    } catch (const RuntimeException& error) {
+        EXPECT_NE(std::string(error.what()).find("StorageFull"), std::string::npos) << error.what();
+        EXPECT_NE(std::string(error.what()).find("Save"), std::string::npos) << error.what();
+    }
+    // A code without an entry still fails the write; the value did reach the device.
+    EXPECT_THROW(f.Get<IInteger>("Gain")->SetValue(5), RuntimeException);
+    EXPECT_EQ(f.port.Peek32LittleEndian(4), 5u);
+}
+
 TEST(Values, IndexedTableAndFloatRegister) {
     Fixture f(R"(
       <Integer Name="Sel"><Value>0</Value></Integer>

@@ -47,7 +47,6 @@ class IntegerFacade : public Base, public virtual IInteger {
         const auto lock = this->Lock();
         return this->IncNumber().AsInteger(this->NameView());
     }
-    std::vector<int64_t> GetListOfValidValues(bool) override { return {}; }
     ERepresentation GetRepresentation() override { return this->RepresentationValue(); }
     std::string GetUnit() override { return this->UnitValue(); }
     void ImposeMin(int64_t value) override {

@@ -240,6 +240,27 @@ Number Node::ParseValueText(const std::string& text, bool real) const {
 void Node::WriteChecked(Number value, bool verify) {
     const auto lock = Lock();
     WriteNumber(value, verify);
+    ReportDeviceError();
+}
+
+void Node::ReportDeviceError() {
+    for (const Ref& error : errors_) {
+        if (!error || !IsReadable(error.node->EffectiveAccessMode())) {
+            continue;
+        }
+        const int64_t code = error.node->ReadNumber(true).AsInteger(error.name);
+        if (code == 0) {
+            continue;
+        }
+        std::string reason = "error " + std::to_string(code);
+        if (auto* enumeration = dynamic_cast<IEnumeration*>(error.node)) {
+            if (IEnumEntry* entry = enumeration->GetEntry(code)) {
+                reason = entry->GetSymbolic();
+            }
+        }
+        throw RuntimeException(std::string(name_), "the device reports " + reason + " (" +
+                                                       std::string(error.name) + ")");
+    }
 }
 
 void Node::PrepareWrite(Number value, bool verify) {

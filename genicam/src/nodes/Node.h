@@ -117,6 +117,9 @@ class Node : public virtual INode {
     void WriteChecked(Number value, bool verify);
     // Checks access and, with verify, range and increment before a write.
     void PrepareWrite(Number value, bool verify);
+    // After a write: a device that reports failures through pError enumerations has the
+    // failure read back and thrown as a RuntimeException naming the error entry.
+    void ReportDeviceError();
 
     // Loading.
     void Parse(const xml::Element& element, Loader& loader);

@@ -214,10 +214,11 @@ void EnumerationNode::SetIntValue(int64_t value, bool verify) {
     }
     if (value_) {
         value_.node->WriteNumber(Number::Integer(value), verify);
-        return;
+    } else {
+        constant_ = value;
+        InvalidateWithDependents();
     }
-    constant_ = value;
-    InvalidateWithDependents();
+    ReportDeviceError();
 }
 
 IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache) {
@@ -383,10 +384,11 @@ void BooleanNode::SetValue(bool value, bool verify) {
     RequireWritable();
     if (value_) {
         value_.node->WriteNumber(Number::Integer(value ? onValue_ : offValue_), verify);
-        return;
+    } else {
+        constant_ = value ? 1 : 0;
+        InvalidateWithDependents();
     }
-    constant_ = value ? 1 : 0;
-    InvalidateWithDependents();
+    ReportDeviceError();
 }
 
 Number BooleanNode::ReadNumber(bool ignoreCache) {
@@ -464,6 +466,7 @@ void CommandNode::Execute(bool verify) {
         constant_ = command;
     }
     InvalidateWithDependents();
+    ReportDeviceError();
 }
 
 bool CommandNode::IsDone(bool) {
@@ -542,10 +545,11 @@ void StringNode::SetValue(const std::string& value, bool verify) {
     RequireWritable();
     if (targetString_) {
         targetString_->SetValue(value, verify);
-        return;
+    } else {
+        value_ = value;
+        InvalidateWithDependents();
     }
-    value_ = value;
-    InvalidateWithDependents();
+    ReportDeviceError();
 }
 
 int64_t StringNode::GetMaxLength() {

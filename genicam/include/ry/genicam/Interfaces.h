@@ -82,7 +82,6 @@ class IInteger : virtual public IValue {
     virtual int64_t GetMax() = 0;
     virtual EIncMode GetIncMode() = 0;
     virtual int64_t GetInc() = 0;
-    virtual std::vector<int64_t> GetListOfValidValues(bool bounded = true) = 0;
     virtual ERepresentation GetRepresentation() = 0;
     virtual std::string GetUnit() = 0;
     virtual void ImposeMin(int64_t value) = 0;
