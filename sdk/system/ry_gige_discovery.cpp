@@ -8,10 +8,16 @@
 #include "rysdk/RyInterface.h"
 #include "system/interface_identifier.h"
 #include "system/system_log.h"
+#include "system/transport_queries.h"
 
 namespace RYSDK {
 
 using core::kLogErr;
+using system::kDeviceDisplayName;
+using system::kDeviceIdCapacity;
+using system::kDisplayNameCapacity;
+using system::kInterfaceDisplayName;
+using system::kInterfaceIdCapacity;
 using system::TL;
 
 namespace {
@@ -20,13 +26,6 @@ namespace {
 // the configurable discovery time-out instead.
 constexpr uint64_t kInterfaceListTimeoutMs = 100;
 constexpr uint32_t kForceIpTimeoutMs = 1000;
-
-constexpr INTERFACE_INFO_CMD kInterfaceDisplayName = 1;
-constexpr DEVICE_INFO_CMD kDeviceDisplayName = 4;
-
-constexpr size_t kInterfaceIdCapacity = 128;
-constexpr size_t kDeviceIdCapacity = 260;
-constexpr size_t kDisplayNameCapacity = 256;
 
 // Closes an interface handle that discovery opened, whichever way discovery leaves it.
 struct InterfaceHandleCloser {

@@ -8,11 +8,17 @@
 #include "system/interface_identifier.h"
 #include "system/port_settings.h"
 #include "system/system_log.h"
+#include "system/transport_queries.h"
 
 namespace RYSDK {
 
 using core::kLogDebug;
 using core::kLogErr;
+using system::kDeviceDisplayName;
+using system::kDeviceIdCapacity;
+using system::kDisplayNameCapacity;
+using system::kInterfaceIpAddress;
+using system::kInterfaceSubnetMask;
 using system::TL;
 
 namespace {
@@ -24,12 +30,6 @@ constexpr uint64_t kImageRetransTimeoutAddress = 8;
 constexpr uint64_t kPacketResendAddress = 9;
 constexpr uint64_t kLagModeAddress = 16;
 constexpr uint64_t kFrequentResendAddress = 17;
-
-constexpr INTERFACE_INFO_CMD kInterfaceIpAddress = 1003;
-constexpr INTERFACE_INFO_CMD kInterfaceSubnetMask = 1004;
-constexpr DEVICE_INFO_CMD kDeviceDisplayName = 4;
-constexpr size_t kDeviceIdCapacity = 260;
-constexpr size_t kDisplayNameCapacity = 256;
 
 }  // namespace
 
