@@ -25,3 +25,17 @@ function(ry_add_test)
   gtest_discover_tests(${ARG_NAME} DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()
+
+# Real camera descriptions the node map is tested and measured on. They are the team's
+# shared data, kept outside the tree: the corpus tests skip and the node map benchmark is
+# not built when none of these places has them.
+set(RY_GENICAM_CORPUS_DIR "" CACHE PATH "Folder of real GenICam XML files")
+if(NOT RY_GENICAM_CORPUS_DIR)
+  foreach(candidate "$ENV{RY_GENICAM_CORPUS_DIR}" "${PROJECT_SOURCE_DIR}/../shared/genicam-xml"
+                    "/work/shared/genicam-xml")
+    if(candidate AND EXISTS "${candidate}/Basler-acA640-300gm.xml")
+      set(RY_GENICAM_CORPUS_DIR "${candidate}" CACHE PATH "Folder of real GenICam XML files" FORCE)
+      break()
+    endif()
+  endforeach()
+endif()
