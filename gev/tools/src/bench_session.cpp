@@ -164,7 +164,7 @@ int BenchSession::MeasureLatency(uint32_t reads) {
     return micros.size() == reads ? 0 : 1;
 }
 
-int BenchSession::MeasureStream(const BenchOptions& options) {
+bool BenchSession::SetUpStream(const BenchOptions& options) {
     if (options.packetSize != 0) {
         const uint32_t value = options.packetSize;
         const uint8_t bytes[4] = {uint8_t(value >> 24), uint8_t(value >> 16), uint8_t(value >> 8),
@@ -177,7 +177,7 @@ int BenchSession::MeasureStream(const BenchOptions& options) {
     if (DevGetDataStreamID(device_, 0, streamId, &size) != GC_ERR_SUCCESS ||
         DevOpenDataStream(device_, streamId, &stream_) != GC_ERR_SUCCESS) {
         std::fprintf(stderr, "cannot open the stream\n");
-        return 1;
+        return false;
     }
     uint64_t bytesPerBuffer = options.bufferBytes ? options.bufferBytes : PayloadSize();
     if (bytesPerBuffer == 0)
@@ -188,15 +188,19 @@ int BenchSession::MeasureStream(const BenchOptions& options) {
         if (DSAnnounceBuffer(stream_, memory.data(), memory.size(), nullptr, &handle) !=
                 GC_ERR_SUCCESS ||
             DSQueueBuffer(stream_, handle) != GC_ERR_SUCCESS)
-            return 1;
+            return false;
     }
-    if (GCRegisterEvent(stream_, EVENT_NEW_BUFFER, &event_) != GC_ERR_SUCCESS ||
-        DSStartAcquisition(stream_, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE) != GC_ERR_SUCCESS)
-        return 1;
+    return GCRegisterEvent(stream_, EVENT_NEW_BUFFER, &event_) == GC_ERR_SUCCESS &&
+           DSStartAcquisition(stream_, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE) == GC_ERR_SUCCESS;
+}
+
+std::optional<StreamFigures> BenchSession::Stream(const BenchOptions& options) {
+    if (!SetUpStream(options))
+        return std::nullopt;
     if (!ExecuteCommand("AcquisitionStart"))
         std::fprintf(stderr, "no AcquisitionStart register found; waiting for frames anyway\n");
 
-    uint64_t frames = 0, incomplete = 0, lost = 0, bytes = 0, lastBlock = 0;
+    FrameTally tally;
     const double cpuStart = CpuSeconds();
     const auto start = Clock::now();
     const auto end = start + std::chrono::duration<double>(options.seconds);
@@ -205,21 +209,22 @@ int BenchSession::MeasureStream(const BenchOptions& options) {
         size_t dataSize = sizeof data;
         if (EventGetData(event_, &data, &dataSize, 100) != GC_ERR_SUCCESS)
             continue;
-        const uint64_t block = BufferValue(stream_, data.buffer, BUFFER_INFO_BLOCK_ID);
-        // Block ids wrap (some devices early): only a forward jump tells of lost frames.
-        if (frames > 0 && block > lastBlock + 1)
-            lost += block - lastBlock - 1;
-        lastBlock = block;
-        ++frames;
-        if (BufferValue(stream_, data.buffer, BUFFER_INFO_STATUS) != RY_BUFFER_STATUS_COMPLETE)
-            ++incomplete;
-        bytes += BufferValue(stream_, data.buffer, BUFFER_INFO_SIZE_FILLED);
+        tally.Add(
+            BufferValue(stream_, data.buffer, BUFFER_INFO_BLOCK_ID),
+            BufferValue(stream_, data.buffer, BUFFER_INFO_STATUS) == RY_BUFFER_STATUS_COMPLETE,
+            BufferValue(stream_, data.buffer, BUFFER_INFO_SIZE_FILLED));
         DSQueueBuffer(stream_, data.buffer);
     }
-    const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
-    const double cpu = CpuSeconds() - cpuStart;
+    StreamFigures figures = tally.Figures();
+    figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    figures.cpuSeconds = CpuSeconds() - cpuStart;
     ExecuteCommand("AcquisitionStop");
     DSStopAcquisition(stream_, ACQ_STOP_FLAGS_KILL);
+    return figures;
+}
+
+// The producer's own view, to tell frames lost for want of a buffer from lost packets.
+void BenchSession::PrintProducerCounters() {
     const auto counter = [&](STREAM_INFO_CMD cmd) {
         uint64_t value = 0;
         size_t size = sizeof value;
@@ -227,16 +232,24 @@ int BenchSession::MeasureStream(const BenchOptions& options) {
         DSGetInfo(stream_, cmd, &type, &value, &size);
         return static_cast<unsigned long long>(value);
     };
-    // The producer's own view, to tell frames lost for want of a buffer from lost packets.
     std::printf("underrun=%llu corrupted=%llu missing_packets=%llu resent_packets=%llu\n",
                 counter(STREAM_INFO_NUM_UNDERRUN), counter(STREAM_INFO_NUM_CORRUPTED),
                 counter(STREAM_INFO_NUM_MISSING_PACKETS), counter(STREAM_INFO_NUM_RESENT_PACKETS));
-    const double gigabytes = bytes / 1e9;
+}
+
+int BenchSession::MeasureStream(const BenchOptions& options) {
+    const auto figures = Stream(options);
+    if (!figures)
+        return 1;
+    PrintProducerCounters();
+    const double gigabytes = figures->bytes / 1e9;
     std::printf("frames=%llu incomplete=%llu lost=%llu MBps=%.1f cpu_s_per_GB=%.3f\n",
-                static_cast<unsigned long long>(frames),
-                static_cast<unsigned long long>(incomplete), static_cast<unsigned long long>(lost),
-                bytes / 1e6 / elapsed, gigabytes > 0 ? cpu / gigabytes : 0.0);
-    return frames > 0 ? 0 : 1;
+                static_cast<unsigned long long>(figures->frames),
+                static_cast<unsigned long long>(figures->incomplete),
+                static_cast<unsigned long long>(figures->lost),
+                figures->bytes / 1e6 / figures->seconds,
+                gigabytes > 0 ? figures->cpuSeconds / gigabytes : 0.0);
+    return figures->frames > 0 ? 0 : 1;
 }
 
 }  // namespace ry::gev::tools

@@ -2,11 +2,14 @@
 // interface, then measures register round trips or streaming.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "RyGenTL.h"
 #include "bench_options.h"
+#include "frame_tally.h"
 
 namespace ry::gev::tools {
 
@@ -21,6 +24,8 @@ class BenchSession {
     // Both print their result as the last line and return the process exit code.
     int MeasureLatency(uint32_t reads);
     int MeasureStream(const BenchOptions& options);
+    // Streams for `options.seconds`; nullopt when the stream cannot be set up.
+    std::optional<StreamFigures> Stream(const BenchOptions& options);
 
   private:
     bool FindAndOpenDevice(const std::string& address, std::string& error);
@@ -28,6 +33,8 @@ class BenchSession {
     bool ExecuteCommand(const char* feature);
     uint64_t ReadFeature(const char* feature);
     uint64_t PayloadSize();
+    bool SetUpStream(const BenchOptions& options);
+    void PrintProducerCounters();
 
     bool initialized_ = false;
     TL_HANDLE system_ = nullptr;
