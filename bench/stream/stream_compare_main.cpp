@@ -11,7 +11,8 @@
 //
 // Our producer discovers the camera, so this runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-stream-compare --seconds=5
-// Other options: --address=IP (127.0.0.2), --packet-size=N (9000), --emulator=PATH
+// Other options: --fps=X (0: flat out), --address=IP (127.0.0.2), --packet-size=N (9000),
+// --emulator=PATH
 // (ry-camera-emulator next to this program), plus the usual --benchmark_* flags.
 #include <benchmark/benchmark.h>
 #include <net/if.h>
@@ -40,6 +41,7 @@ struct CompareOptions {
     double seconds = 5;
     std::string address = "127.0.0.2";
     uint32_t packetSize = 9000;
+    std::string fps = "0";  // the sender's frame rate; 0 sends flat out
     std::string emulator;
 };
 
@@ -67,6 +69,8 @@ std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
                 options.address = *v;
             else if (auto v = value("--packet-size="))
                 options.packetSize = static_cast<uint32_t>(std::stoul(*v));
+            else if (auto v = value("--fps="); v && std::stod(*v) >= 0)
+                options.fps = *v;
             else if (auto v = value("--emulator="))
                 options.emulator = *v;
             else
@@ -151,8 +155,8 @@ int main(int argc, char** argv) {
     const auto options = ParseOptions(argc, argv);
     if (!options) {
         std::fprintf(stderr,
-                     "usage: ry-stream-compare [--seconds=S] [--address=IP] [--packet-size=N] "
-                     "[--emulator=PATH] [--benchmark_...]\n");
+                     "usage: ry-stream-compare [--seconds=S] [--fps=X] [--address=IP] "
+                     "[--packet-size=N] [--emulator=PATH] [--benchmark_...]\n");
         return 2;
     }
     if (!OnlyLoopbackVisible()) {
@@ -162,9 +166,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        EmulatorProcess sender(options->emulator, {"--address", options->address, "--serial",
-                                                   "compare", "--pixel-format", "Mono8", "--width",
-                                                   "2048", "--height", "2048", "--fps", "0"});
+        EmulatorProcess sender(
+            options->emulator,
+            {"--address", options->address, "--serial", "compare", "--pixel-format", "Mono8",
+             "--width", "2048", "--height", "2048", "--fps", options->fps});
         std::fprintf(stderr, "sender: %s\n", sender.Announcement().c_str());
         const CompareOptions o = *options;
         RegisterReceiver(

@@ -63,7 +63,7 @@ class FrameReceiverImpl final : public FrameReceiver {
     void ReceiveLoop();
     void ReloadSettingsIfChanged(uint64_t& seenGeneration);
     bool WaitForPackets(int timeoutMs);
-    void HandleBatch(size_t count);
+    void HandleBatch();
     size_t BatchSizeWanted();
 
     const ReceiverEndpoint endpoint_;
@@ -75,7 +75,8 @@ class FrameReceiverImpl final : public FrameReceiver {
     detail::SharedCounters counters_;
     detail::FrameAssembler assembler_;
     detail::ReceiveBatch batch_;
-    std::array<detail::PlacementHint, detail::ReceiveBatch::kDefaultMessages> hints_{};
+    std::vector<detail::PlacementHint> hints_ =
+        std::vector<detail::PlacementHint>(batch_.HintCapacity());
     size_t hintCount_ = 0;
     detail::WakeEvent wake_;
     std::atomic<bool> stopRequested_{false};
@@ -156,16 +157,17 @@ bool FrameReceiverImpl::WaitForPackets(int timeoutMs) {
     return !(ready > 0 && (fds[1].revents & POLLIN) != 0);
 }
 
-void FrameReceiverImpl::HandleBatch(size_t count) {
+void FrameReceiverImpl::HandleBatch() {
     const auto now = Clock::now();
     const uint32_t deviceIp = endpoint_.deviceIp;
-    for (size_t i = 0; i < count; ++i) {
-        if (deviceIp != 0 && batch_.SourceIp(i) != deviceIp) {
+    for (size_t k = 0; k < batch_.PacketCount(); ++k) {
+        const detail::ReceivedPacket& packet = batch_.Packet(k);
+        if (deviceIp != 0 && batch_.SourceIp(packet.message) != deviceIp) {
             assembler_.OnForeignDatagram();
-        } else if (batch_.Truncated(i)) {
+        } else if (batch_.Truncated(packet.message)) {
             assembler_.OnTruncatedDatagram();
         } else {
-            assembler_.OnDatagram(batch_.Data(i), batch_.Size(i), now, batch_.DataInPlace(i));
+            assembler_.OnDatagram(packet.bytes, packet.size, now, packet.inPlace);
         }
     }
 }
@@ -187,9 +189,11 @@ void FrameReceiverImpl::ReceiveLoopGuarded() {
 size_t FrameReceiverImpl::BatchSizeWanted() {
     constexpr size_t kProbeMessages = 4;
     constexpr size_t kBeyondPlan = 2;  // the trailer and the next leader
-    hintCount_ = assembler_.PlanPlacements(hints_.data(), hints_.size());
+    const size_t train = batch_.TrainLength();
+    hintCount_ = assembler_.PlanPlacements(hints_.data(),
+                                           std::min(hints_.size(), batch_.Capacity() * train));
     if (hintCount_ != 0) {
-        return std::min(hints_.size(), hintCount_ + kBeyondPlan);
+        return std::min(batch_.Capacity(), (hintCount_ + train - 1) / train + kBeyondPlan);
     }
     return assembler_.HasOpenFrame() ? batch_.Capacity() : kProbeMessages;
 }
@@ -218,7 +222,7 @@ void FrameReceiverImpl::ReceiveLoop() {
         const size_t count = batch_.ReceiveFrom(socket_.Fd(), hints_.data(), hintCount_, wanted);
         batchWasFull = count == wanted;
         lastCount = count;
-        HandleBatch(count);
+        HandleBatch();
         assembler_.Service(Clock::now());
         assembler_.Publish();
     }

@@ -1,8 +1,11 @@
-// Receive slots for one recvmmsg call, allocated once. A message may be aimed at the place in
-// a lent buffer where the engine expects its data: the kernel then writes the GVSP header into
-// the slot and the data straight into the frame, so the common packet is copied only once.
-// A message that turns out to be something else is gathered back into its slot before any
-// packet of the batch is placed, so a wrong guess never costs more than one extra copy.
+// Receive slots for one recvmmsg call, allocated once. A message may be aimed at the places in
+// a lent buffer where the engine expects the data of its packets: the kernel then writes the
+// GVSP headers into the slot and the data straight into the frame, so the common packet is
+// copied only once. With segmentation offload taken whole (UDP_GRO), one datagram carries a
+// train of equal-sized packets, and a message is aimed at as many consecutive packets as the
+// trains last held. A message that turns out to be something else is gathered back into its
+// slot before any packet of the batch is placed, so a wrong guess never costs more than one
+// extra copy.
 #pragma once
 
 #include <netinet/in.h>
@@ -14,7 +17,7 @@
 
 namespace ry::gev::stream::detail {
 
-// Where the engine expects the next packet of the frame being received.
+// Where the engine expects one packet of the frame being received.
 struct PlacementHint {
     uint64_t blockId = 0;
     uint32_t packetId = 0;
@@ -23,9 +26,19 @@ struct PlacementHint {
     size_t regionBytes = 0;
 };
 
+// One GVSP packet of a received datagram.
+struct ReceivedPacket {
+    const uint8_t* bytes = nullptr;    // the header, followed by the data unless inPlace is set
+    size_t size = 0;                   // header and data
+    const uint8_t* inPlace = nullptr;  // the data, already at its place in the lent buffer
+    uint32_t message = 0;              // the datagram it came in (source, truncation)
+};
+
 class ReceiveBatch {
   public:
     static constexpr size_t kDefaultMessages = 64;
+    // Packets one message may be aimed at: a 64 KiB datagram of the smallest common packets.
+    static constexpr size_t kMaxTrain = 64;
     // Large enough for any UDP datagram, so a cut-off datagram can only come from a sender
     // lying about its length.
     static constexpr size_t kSlotBytes = 65536;
@@ -33,29 +46,47 @@ class ReceiveBatch {
     explicit ReceiveBatch(size_t messages = kDefaultMessages);
 
     size_t Capacity() const { return headers_.size(); }
+    size_t HintCapacity() const { return headers_.size() * kMaxTrain; }
+    // Packets per datagram seen in the last batch that told (1 until a train arrived).
+    size_t TrainLength() const { return trainLength_; }
 
-    // Aims the first hints.size() messages at their regions; the others get plain slots.
-    // Then drains up to `count` waiting datagrams without blocking; returns how many arrived.
+    // Aims the first messages at the hints, TrainLength() consecutive hints each; the others
+    // get plain slots. Then drains up to `count` waiting datagrams without blocking and cuts
+    // them into packets; returns how many datagrams arrived.
     size_t ReceiveFrom(int fd, const PlacementHint* hints, size_t hintCount, size_t count);
 
-    // The datagram as received, contiguous in its slot, unless DataInPlace(i) is set: then the
-    // slot holds the header and the data already sit in the hinted region.
-    const uint8_t* Data(size_t i) const { return storage_.data() + i * kSlotBytes; }
-    size_t Size(size_t i) const { return headers_[i].msg_len; }
-    const uint8_t* DataInPlace(size_t i) const { return inPlace_[i]; }
-    bool Truncated(size_t i) const { return (headers_[i].msg_hdr.msg_flags & MSG_TRUNC) != 0; }
-    uint32_t SourceIp(size_t i) const { return ntohl(sources_[i].sin_addr.s_addr); }
+    size_t PacketCount() const { return packets_.size(); }
+    const ReceivedPacket& Packet(size_t k) const { return packets_[k]; }
+    bool Truncated(uint32_t message) const {
+        return (headers_[message].msg_hdr.msg_flags & MSG_TRUNC) != 0;
+    }
+    uint32_t SourceIp(uint32_t message) const { return ntohl(sources_[message].sin_addr.s_addr); }
 
   private:
-    void Aim(size_t i, const PlacementHint& hint);
+    struct Aim {
+        const PlacementHint* hints = nullptr;
+        size_t count = 0;
+    };
+
+    uint8_t* Slot(size_t i) { return storage_.data() + i * kSlotBytes; }
+    void AimAt(size_t i, const PlacementHint* hints, size_t count);
     void Unaim(size_t i);
-    void Settle(size_t i, const PlacementHint& hint);
+    void Settle(size_t i);
+    bool LandedAsAimed(size_t i, size_t size, size_t segment);
+    void Gather(size_t i, size_t size);
+    void Split(size_t i, size_t size, size_t segment);
+    size_t SegmentSize(size_t i) const;
+    void LearnTrainLength(size_t received);
 
     std::vector<uint8_t> storage_;
-    std::vector<iovec> vectors_;  // three per message: header, region, rest of the slot
+    std::vector<uint8_t> gathering_;  // one datagram, while it is put back together
+    std::vector<iovec> vectors_;      // kVectorsPerMessage per message
     std::vector<sockaddr_in> sources_;
     std::vector<mmsghdr> headers_;
-    std::vector<const uint8_t*> inPlace_;
+    std::vector<uint8_t> controls_;  // room for the segment size of each message
+    std::vector<Aim> aims_;
+    std::vector<ReceivedPacket> packets_;
+    size_t trainLength_ = 1;
 };
 
 }  // namespace ry::gev::stream::detail

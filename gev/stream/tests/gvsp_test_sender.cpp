@@ -2,11 +2,13 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/udp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <stdexcept>
 
 #include "ry/gev/protocol/gvsp.h"
@@ -103,6 +105,33 @@ void UdpSender::Send(const std::vector<uint8_t>& datagram) const {
     to.sin_addr.s_addr = htonl(destinationIp_);
     to.sin_port = htons(destinationPort_);
     ::sendto(fd_, datagram.data(), datagram.size(), 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+}
+
+bool UdpSender::SendTrain(const std::vector<std::vector<uint8_t>>& datagrams) const {
+    std::vector<uint8_t> train;
+    for (const auto& datagram : datagrams) {
+        train.insert(train.end(), datagram.begin(), datagram.end());
+    }
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_addr.s_addr = htonl(destinationIp_);
+    to.sin_port = htons(destinationPort_);
+    iovec vector{train.data(), train.size()};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(uint16_t))] = {};
+    msghdr message{};
+    message.msg_name = &to;
+    message.msg_namelen = sizeof to;
+    message.msg_iov = &vector;
+    message.msg_iovlen = 1;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    cmsghdr* header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_UDP;
+    header->cmsg_type = UDP_SEGMENT;
+    header->cmsg_len = CMSG_LEN(sizeof(uint16_t));
+    const auto segment = static_cast<uint16_t>(datagrams.front().size());
+    std::memcpy(CMSG_DATA(header), &segment, sizeof segment);
+    return ::sendmsg(fd_, &message, 0) == static_cast<ssize_t>(train.size());
 }
 
 void UdpSender::SendAll(const Block& block) const {

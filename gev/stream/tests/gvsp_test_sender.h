@@ -57,6 +57,9 @@ class UdpSender {
     void Send(const std::vector<uint8_t>& datagram) const;
     void SendAll(const Block& block) const;
     void SendRange(const Block& block, uint32_t first, uint32_t last) const;
+    // Sends the datagrams as one segmentation-offload train: the kernel cuts it at the size
+    // of the first, so all but the last must be that long. False when the kernel refuses.
+    bool SendTrain(const std::vector<std::vector<uint8_t>>& datagrams) const;
 
   private:
     int fd_ = -1;

@@ -25,9 +25,9 @@ void FrameTally::Add(uint64_t blockId, bool complete, uint64_t bytes) {
     } else if (unwrapped > newest_) {
         newest_ = unwrapped;
         newestRaw_ = blockId;
-    } else if (unwrapped < first_) {
-        first_ = unwrapped;
     }
+    if (unwrapped >= first_)
+        delivered_.insert(unwrapped);
     ++frames_;
     bytes_ += bytes;
     if (complete)
@@ -43,7 +43,7 @@ StreamFigures FrameTally::Figures() const {
     figures.bytes = bytes_;
     figures.completeBytes = completeBytes_;
     const uint64_t span = frames_ > 0 ? newest_ - first_ + 1 : 0;
-    figures.lost = span > frames_ ? span - frames_ : 0;
+    figures.lost = span - delivered_.size();
     return figures;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 
 namespace ry::gev::tools {
 
@@ -19,8 +20,9 @@ struct StreamFigures {
 
 class FrameTally {
   public:
-    // 16-bit block ids wrap from 65535 to 1; a receiver may deliver a frame late (after a
-    // newer one), which neither counts as lost nor moves the newest id back.
+    // 16-bit block ids wrap from 65535 to 1. A receiver may deliver a frame late (after a
+    // newer one) or twice; lost are the ids from the first delivered up to the newest that
+    // were never delivered. Ids older than the first one count as frames only.
     void Add(uint64_t blockId, bool complete, uint64_t bytes);
     // Frame and byte counts and the lost frames; seconds and CPU are the caller's.
     StreamFigures Figures() const;
@@ -32,8 +34,9 @@ class FrameTally {
     uint64_t incomplete_ = 0;
     uint64_t bytes_ = 0;
     uint64_t completeBytes_ = 0;
-    uint64_t first_ = 0;   // unwrapped
-    uint64_t newest_ = 0;  // unwrapped
+    uint64_t first_ = 0;            // unwrapped
+    uint64_t newest_ = 0;           // unwrapped
+    std::set<uint64_t> delivered_;  // unwrapped ids from first_ on
     uint64_t newestRaw_ = 0;
     uint64_t wrapOffset_ = 0;
 };

@@ -37,14 +37,16 @@ TEST(FrameTally, ShortIdsWrapFrom65535ToOne) {
     EXPECT_EQ(laps.Figures().lost, 3u * 65535 / 1000);
 }
 
-TEST(FrameTally, LateFramesFillTheirGapInsteadOfCountingTwice) {
+TEST(FrameTally, LateAndRepeatedFramesNeitherHideNorInventLosses) {
     FrameTally tally;
     tally.Add(5, true, 1);
-    tally.Add(7, true, 1);
-    tally.Add(6, false, 1);  // delivered after 7
-    tally.Add(4, true, 1);   // even older than the first one seen
-    EXPECT_EQ(tally.Figures().lost, 0u);
-    EXPECT_EQ(tally.Figures().frames, 4u);
+    tally.Add(8, true, 1);
+    tally.Add(6, false, 1);  // delivered after 8: fills its gap
+    tally.Add(1, false, 1);  // older than the first one seen: a frame, but no span
+    tally.Add(8, false, 1);  // the same id again does not stand in for 7
+    EXPECT_EQ(tally.Figures().lost, 1u);
+    EXPECT_EQ(tally.Figures().frames, 5u);
+    EXPECT_EQ(tally.Figures().incomplete, 3u);
 }
 
 TEST(FrameTally, ExtendedIdsRunPast65535WithoutALap) {
