@@ -81,8 +81,7 @@ DatagramSocket DatagramSocket::Open(uint32_t ip, uint16_t port, size_t receiveBu
     // path) then arrive as one datagram: one queue entry and one receive slot for many
     // packets. Kernels without it deliver packet by packet, which works as well.
     const int takeTrainsWhole = 1;
-    socket.trainsWhole_ =
-        ::setsockopt(fd.Get(), SOL_UDP, UDP_GRO, &takeTrainsWhole, sizeof takeTrainsWhole) == 0;
+    ::setsockopt(fd.Get(), SOL_UDP, UDP_GRO, &takeTrainsWhole, sizeof takeTrainsWhole);
     socket.ip_ = ip;
     socket.port_ = ntohs(address.sin_port);
     socket.fd_ = std::move(fd);

@@ -42,14 +42,12 @@ class DatagramSocket {
     uint16_t Port() const { return port_; }
     uint32_t BoundIp() const { return ip_; }
     size_t ReceiveBufferBytes() const { return receiveBufferBytes_; }
-    bool TakesTrainsWhole() const { return trainsWhole_; }
 
   private:
     UniqueFd fd_;
     uint32_t ip_ = 0;
     uint16_t port_ = 0;
     size_t receiveBufferBytes_ = 0;
-    bool trainsWhole_ = false;
 };
 
 // Wakes a thread sleeping in poll; Signal may be called from any thread.

@@ -5,10 +5,10 @@
 #include <sys/prctl.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "datagram_socket.h"
 #include "frame_assembler.h"
