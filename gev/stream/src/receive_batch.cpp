@@ -13,9 +13,8 @@ namespace {
 
 // A header and a region per packet, and the rest of the slot.
 constexpr size_t kVectorsPerMessage = 2 * ReceiveBatch::kMaxTrain + 1;
-// Aimed headers sit at fixed steps at the start of the slot; the rest takes the overflow.
-constexpr size_t kHeaderStep = 32;
-constexpr size_t kHeaderArea = kHeaderStep * ReceiveBatch::kMaxTrain;
+constexpr size_t kHeaderStep = ReceiveBatch::kHeaderStep;
+constexpr size_t kHeaderArea = ReceiveBatch::kHeaderArea;
 constexpr size_t kControlBytes = CMSG_SPACE(sizeof(int));
 // Packets one datagram may carry (the kernel's own limit for a train); a datagram claiming
 // more is refused as a whole.
@@ -44,7 +43,7 @@ bool MatchesHint(const uint8_t* header, size_t size, const PlacementHint& hint) 
 }  // namespace
 
 ReceiveBatch::ReceiveBatch(size_t messages)
-    : storage_(messages * kSlotBytes),
+    : storage_(messages * kStorageBytesPerMessage),
       gathering_(kSlotBytes),
       vectors_(messages * kVectorsPerMessage),
       sources_(messages),
@@ -68,7 +67,7 @@ void ReceiveBatch::AimAt(size_t i, const PlacementHint* hints, size_t count) {
         vectors[used++] = {slot + k * kHeaderStep, headerBytes};
         vectors[used++] = {hints[k].region, hints[k].regionBytes};
     }
-    vectors[used++] = {slot + kHeaderArea, kSlotBytes - kHeaderArea};
+    vectors[used++] = {slot + kHeaderArea, kSlotBytes};
     headers_[i].msg_hdr.msg_iovlen = used;
     aims_[i] = {hints, count};
 }

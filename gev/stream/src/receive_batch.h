@@ -42,6 +42,11 @@ class ReceiveBatch {
     // Large enough for any UDP datagram, so a cut-off datagram can only come from a sender
     // lying about its length.
     static constexpr size_t kSlotBytes = 65536;
+    // Aimed headers sit at fixed steps in front of the slot's overflow, which still takes a
+    // whole datagram however little room the aimed regions offer.
+    static constexpr size_t kHeaderStep = 32;
+    static constexpr size_t kHeaderArea = kHeaderStep * kMaxTrain;
+    static constexpr size_t kStorageBytesPerMessage = kHeaderArea + kSlotBytes;
 
     explicit ReceiveBatch(size_t messages = kDefaultMessages);
 
@@ -68,7 +73,7 @@ class ReceiveBatch {
         size_t count = 0;
     };
 
-    uint8_t* Slot(size_t i) { return storage_.data() + i * kSlotBytes; }
+    uint8_t* Slot(size_t i) { return storage_.data() + i * kStorageBytesPerMessage; }
     void AimAt(size_t i, const PlacementHint* hints, size_t count);
     void Unaim(size_t i);
     void Settle(size_t i);

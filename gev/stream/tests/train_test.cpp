@@ -3,6 +3,9 @@
 // contents, and a short packet ending a train still flags the frame.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "gvsp_test_sender.h"
 
 namespace ry::gev::stream::testing {
@@ -108,6 +111,26 @@ TEST(Trains, SingleDatagramsAfterTrainsStillArriveWhole) {
     h.device->SendAll(blocks[1]);  // aimed at trains of 7, one packet per datagram comes
     SendInTrains(*h.device, blocks[2], {4});
     ExpectExactFrames(h, blocks);
+}
+
+// The receive slot aimed at a frame's short last packet has little room in its region; the
+// longest train a sender may send must still arrive whole there.
+TEST(Trains, LongestTrainFitsASlotAimedAtAShortLastPacket) {
+    ReceiverSettings settings;
+    settings.resendTimeoutMs = 2000;  // the first frame waits for its last packet
+    Harness h(settings, 8, 640 * 100);
+    const Block small = BuildBlock(Spec(1));            // 3 packets of 1000 and one of 72
+    const Block large = BuildBlock(Spec(2, 640, 100));  // 64 packets of 1000
+    h.device->Send(small.packets[0]);
+    ASSERT_TRUE(h.device->SendTrain({small.packets[1], small.packets[2], small.packets[3]}));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // now only packet 4 is planned
+    ASSERT_TRUE(
+        h.device->SendTrain(Datagrams(large.packets.begin() + 1, large.packets.begin() + 65)));
+    h.device->Send(large.packets[0]);
+    h.device->SendRange(small, 4, small.TrailerId());
+    h.device->Send(large.packets[large.TrailerId()]);
+    ExpectExactFrames(h, {small, large});
+    EXPECT_EQ(h.receiver->Counters().packetsRejected, 0u);
 }
 
 TEST(Trains, ExtendedIdTrainsAreByteExact) {
