@@ -22,8 +22,18 @@ function(ry_add_test)
     set(ARG_TIMEOUT 120)
   endif()
   include(GoogleTest)
-  gtest_discover_tests(${ARG_NAME} DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  gtest_discover_tests(${ARG_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  # Labels are set by a script of our own that runs after the discovered cases are
+  # defined: passed through the discovery's PROPERTIES, a list of several labels loses its
+  # separators on the way and only the first label survives.
+  if(ARG_LABELS)
+    set(label_script "${CMAKE_CURRENT_BINARY_DIR}/${ARG_NAME}_labels.cmake")
+    file(WRITE "${label_script}"
+         "if(${ARG_NAME}_TESTS)\n"
+         "  set_tests_properties(\${${ARG_NAME}_TESTS} PROPERTIES LABELS \"${ARG_LABELS}\")\n"
+         "endif()\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${label_script}")
+  endif()
 endfunction()
 
 # Real camera descriptions the node map is tested and measured on. They are the team's

@@ -10,7 +10,7 @@ packages=(
     iproute2 util-linux nftables
     clang-format clang libclang-rt-14-dev
     # peers and references the tests and benchmarks compare against
-    libopencv-dev libaravis-dev aravis-tools-cli aravis-tools tshark
+    libopencv-dev libaravis-dev libusb-1.0-0-dev aravis-tools-cli aravis-tools tshark
 )
 
 missing=()
