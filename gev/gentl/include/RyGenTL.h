@@ -334,8 +334,9 @@ RYGENTL_API GC_ERROR DSRevokeBuffer(DS_HANDLE stream, BUFFER_HANDLE bufferHandle
  * GC_ERR_RESOURCE_IN_USE unless DSSetForceQueueBuffer is on. */
 RYGENTL_API GC_ERROR DSQueueBuffer(DS_HANDLE stream, BUFFER_HANDLE bufferHandle);
 RYGENTL_API GC_ERROR DSFlushQueue(DS_HANDLE stream, ACQ_QUEUE_TYPE operation);
-/* After numToAcquire frames were delivered the stream fills no more buffers until it is
- * stopped and started again; GENTL_INFINITE means no limit, 0 is refused. */
+/* The frame count is not a limit: the SDK starts every stream with a count of 1 and expects
+ * frames until it stops the acquisition; how many frames come is the device's business
+ * (its AcquisitionMode and frame count). */
 RYGENTL_API GC_ERROR DSStartAcquisition(DS_HANDLE stream, ACQ_START_FLAGS flags,
                                         uint64_t numToAcquire);
 RYGENTL_API GC_ERROR DSStopAcquisition(DS_HANDLE stream, ACQ_STOP_FLAGS flags);

@@ -40,12 +40,12 @@ RYGENTL_API GC_ERROR DSFlushQueue(DS_HANDLE stream, ACQ_QUEUE_TYPE operation) {
     return WithStream(stream, [&](StreamModule& s) -> GC_ERROR { return s.Flush(operation); });
 }
 
-RYGENTL_API GC_ERROR DSStartAcquisition(DS_HANDLE stream, ACQ_START_FLAGS flags,
-                                        uint64_t numToAcquire) {
+RYGENTL_API GC_ERROR DSStartAcquisition(DS_HANDLE stream, ACQ_START_FLAGS flags, uint64_t) {
     return WithStream(stream, [&](StreamModule& s) -> GC_ERROR {
-        if (flags != ACQ_START_FLAGS_DEFAULT || numToAcquire == 0)
+        // The frame count is not a limit here: the stream runs until it is stopped.
+        if (flags != ACQ_START_FLAGS_DEFAULT)
             return GC_ERR_INVALID_PARAMETER;
-        return s.StartAcquisition(numToAcquire);
+        return s.StartAcquisition();
     });
 }
 

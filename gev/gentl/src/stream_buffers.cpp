@@ -166,11 +166,9 @@ void StreamModule::SetClearBuffer(bool on) {
     clearOnQueue_ = on;
 }
 
-// Every lent buffer comes back as a delivered frame or, at a killing stop, unfilled; lending
-// no more than the frame limit therefore delivers exactly that many frames.
 bool StreamModule::TakeBuffer(stream::LentBuffer& lent) {
     std::lock_guard lock(mutex_);
-    if (!grabbing_ || lentThisRun_ >= frameLimit_)
+    if (!grabbing_)
         return false;
     if (input_.empty()) {
         ++underruns_;
@@ -180,7 +178,6 @@ bool StreamModule::TakeBuffer(stream::LentBuffer& lent) {
     input_.pop_front();
     buffer->state = BufferState::Lent;
     ++started_;
-    ++lentThisRun_;
     lent = stream::LentBuffer{buffer->data, buffer->size, buffer};
     return true;
 }
@@ -200,8 +197,6 @@ void StreamModule::Deliver(const stream::ReceivedFrame& frame) {
 void StreamModule::ReturnBuffer(const stream::LentBuffer& lent) {
     std::lock_guard lock(mutex_);
     auto* buffer = static_cast<Buffer*>(lent.tag);
-    if (lentThisRun_ > 0)
-        --lentThisRun_;  // never filled: it does not count towards the limit
     buffer->state = BufferState::Queued;
     input_.push_front(buffer);
 }

@@ -45,8 +45,8 @@ GC_ERROR StreamModule::GetInfo(STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void* b
         case STREAM_INFO_TLTYPE:
             return WriteInfoText("GEV", type, buffer, size);
         case STREAM_INFO_IS_GRABBING:
-            return WriteInfoValue<bool8_t>(acquiring_ && grabbing_ && lentThisRun_ < frameLimit_,
-                                           INFO_DATATYPE_BOOL8, type, buffer, size);
+            return WriteInfoValue<bool8_t>(acquiring_ && grabbing_, INFO_DATATYPE_BOOL8, type,
+                                           buffer, size);
         case STREAM_INFO_NUM_DELIVERED:
             return WriteInfoCounter(delivered_, type, buffer, size);
         case STREAM_INFO_NUM_UNDERRUN:

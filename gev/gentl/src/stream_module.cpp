@@ -154,7 +154,7 @@ void StreamModule::StopReceiver(bool discardPartial) {
     receiver_->Stop(discardPartial, [this](const stream::LentBuffer& lent) { ReturnBuffer(lent); });
 }
 
-GC_ERROR StreamModule::StartAcquisition(uint64_t frameLimit) {
+GC_ERROR StreamModule::StartAcquisition() {
     {
         std::lock_guard lock(mutex_);
         if (!open_)
@@ -164,8 +164,6 @@ GC_ERROR StreamModule::StartAcquisition(uint64_t frameLimit) {
             return GC_ERR_SUCCESS;
         acquiring_ = true;
         grabbing_ = true;
-        frameLimit_ = frameLimit;
-        lentThisRun_ = 0;
     }
     if (!receiver_->Start()) {
         std::lock_guard lock(mutex_);

@@ -31,8 +31,7 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     GC_ERROR Queue(BUFFER_HANDLE handle);
     GC_ERROR Flush(ACQ_QUEUE_TYPE mode);
     GC_ERROR RecoverQueued();
-    // Fills at most `frameLimit` buffers (GENTL_INFINITE: no limit) until stopped.
-    GC_ERROR StartAcquisition(uint64_t frameLimit);
+    GC_ERROR StartAcquisition();
     GC_ERROR StopAcquisition(ACQ_STOP_FLAGS flags);
     GC_ERROR SetGrabbing(bool on);
     void SetForceQueue(bool on);
@@ -89,8 +88,6 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     uint64_t underruns_ = 0;
     uint64_t corrupted_ = 0;
     uint64_t started_ = 0;
-    uint64_t frameLimit_ = GENTL_INFINITE;  // of this acquisition
-    uint64_t lentThisRun_ = 0;              // buffers lent since the acquisition started
 };
 
 }  // namespace ry::gentl

@@ -57,7 +57,7 @@ class StreamTest : public ProducerTest {
             }
         }
         ASSERT_EQ(GCRegisterEvent(stream_, EVENT_NEW_BUFFER, &event_), GC_ERR_SUCCESS);
-        ASSERT_EQ(DSStartAcquisition(stream_, 0, GENTL_INFINITE), GC_ERR_SUCCESS);
+        ASSERT_EQ(DSStartAcquisition(stream_, 0, 1), GC_ERR_SUCCESS);
         ASSERT_EQ(InitEvent(event_), GC_ERR_SUCCESS);
     }
 

@@ -127,7 +127,7 @@ TEST_F(AravisInteropTest, StreamsCompleteFrames) {
     ASSERT_NO_FATAL_FAILURE(LibraryTest::AnnounceAndQueue(stream, memory));
     EVENT_HANDLE event = nullptr;
     ASSERT_EQ(GCRegisterEvent(stream, EVENT_NEW_BUFFER, &event), GC_ERR_SUCCESS);
-    ASSERT_EQ(DSStartAcquisition(stream, 0, GENTL_INFINITE), GC_ERR_SUCCESS);
+    ASSERT_EQ(DSStartAcquisition(stream, 0, 1), GC_ERR_SUCCESS);
     ASSERT_EQ(WriteBigEndian(device, start->address, static_cast<uint32_t>(start->commandValue)),
               GC_ERR_SUCCESS);
     for (int frame = 0; frame < 8; ++frame) {
