@@ -27,4 +27,4 @@ done
 echo "== cameras the SDK discovers"
 "$bin/rycam" list
 echo "== streaming for ${seconds} s"
-"$bin/ry-stream-bench" --device 127.0.0.1 --seconds "$seconds"
+"$bin/ry-stream-bench" --device 127.0.0.1 --seconds "$seconds" --buffers 32
