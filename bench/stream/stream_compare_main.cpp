@@ -31,7 +31,7 @@
 
 #include "aravis_receiver.h"
 #include "child_measurement.h"
-#include "emulator_process.h"
+#include "ry/emulator/emulator_process.h"
 
 namespace {
 
@@ -180,8 +180,8 @@ int main(int argc, char** argv) {
         if (options->perPacket) {
             arguments.insert(arguments.end(), {"--drop", "1e-12"});
         }
-        EmulatorProcess sender(options->emulator, arguments);
-        std::fprintf(stderr, "sender: %s\n", sender.Announcement().c_str());
+        const ry::emulator::EmulatorProcess sender(options->emulator, arguments);
+        std::fprintf(stderr, "sender: %s\n", sender.ReadyLines().front().c_str());
         const CompareOptions o = *options;
         RegisterReceiver(
             "ours/plain_udp", [o] { return MeasureOurs(o); }, o.seconds);

@@ -4,8 +4,8 @@
 #include <set>
 #include <string>
 
-#include "emulator_process.h"
 #include "private_network.h"
+#include "ry/emulator/emulator_process.h"
 #include "rysdk/RyEventLog.h"
 #include "rysdk/RyGigE.h"
 #include "rysdk/RyInterface.h"
@@ -25,9 +25,9 @@ class EmulatedCameras : public ::testing::Test {
 };
 
 TEST_F(EmulatedCameras, DiscoversEveryCameraWithItsRecord) {
-    rytest::EmulatorProcess emulator(
+    const ry::emulator::EmulatorProcess emulator(
+        RY_EMULATOR_PATH,
         {"--address", "127.0.0.2", "--count", "3", "--model", "RY-TEST", "--serial", "SN"}, 3);
-    ASSERT_TRUE(emulator.Ready());
 
     RyGigE gige;
     ASSERT_EQ(gige.SetDiscoveryTimeout(500), RESULT_SUCCESS);
@@ -52,8 +52,8 @@ TEST_F(EmulatedCameras, DiscoversEveryCameraWithItsRecord) {
 }
 
 TEST_F(EmulatedCameras, InterfaceReportsItsAddressCamerasAndSettings) {
-    rytest::EmulatorProcess emulator({"--address", "127.0.0.5", "--model", "RY-TEST"}, 1);
-    ASSERT_TRUE(emulator.Ready());
+    const ry::emulator::EmulatorProcess emulator(RY_EMULATOR_PATH,
+                                                 {"--address", "127.0.0.5", "--model", "RY-TEST"});
 
     RyGigE gige;
     gige.SetDiscoveryTimeout(500);
