@@ -52,5 +52,8 @@ std::uint64_t Camera::bytes_sent() const {
 std::uint64_t Camera::packets_resent() const {
     return device_->counters().resent;
 }
+std::uint64_t Camera::legacy_stop_writes() const {
+    return device_->legacy_stop_writes();
+}
 
 }  // namespace ry::emulator

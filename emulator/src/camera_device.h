@@ -77,6 +77,7 @@ class CameraDevice {
     FaultConfig faults() const;
     void fire_external_trigger();
     const StreamCounters& counters() const { return counters_; }
+    std::uint64_t legacy_stop_writes() const { return legacy_stop_writes_.load(); }
 
   private:
     // camera_device.cpp
@@ -150,6 +151,7 @@ class CameraDevice {
     std::uint16_t control_port_ = 0;
     UdpSocket broadcast_;
     std::atomic<bool> quit_{false};
+    std::atomic<std::uint64_t> legacy_stop_writes_{0};
     std::thread server_;
 };
 

@@ -426,6 +426,7 @@ CommandOutcome CameraDevice::write_legacy(std::uint32_t address, std::uint32_t v
         case reg::kLegacyStop:
             if (value != 0)
                 return kInvalid;
+            legacy_stop_writes_.fetch_add(1);
             streamer_->stop();
             return {};
         default:

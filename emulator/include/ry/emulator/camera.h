@@ -37,6 +37,8 @@ class Camera {
     std::uint64_t packets_sent() const;
     std::uint64_t bytes_sent() const;
     std::uint64_t packets_resent() const;
+    // Writes of 0 to the older generation's stop register (0x88138) that it accepted.
+    std::uint64_t legacy_stop_writes() const;
 
   private:
     std::unique_ptr<CameraDevice> device_;
