@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "rysdk/RyCameraTypes.h"
 #include "rysdk/RyExport.h"
 #include "rysdk/RyInfo.h"
 #include "rysdk/RyResult.h"
@@ -16,10 +17,12 @@
 
 namespace RYSDK {
 
+class RyCamera;
 class RyInterface;
 namespace system {
 struct CameraSelectionAccess;
-}
+struct CameraTarget;
+}  // namespace system
 
 class RYSDK_API RyGigE {
   public:
@@ -59,6 +62,27 @@ class RYSDK_API RyGigE {
     RESULT OpenInterface(unsigned int index, RyInterface** out);
     RESULT OpenInterface(const char* name, RyInterface** out);
 
+    // Opens a camera chosen by its global index (cameras are numbered interface after
+    // interface), by its name, or by an interface name and an index, opening its interface
+    // first when needed; see RyInterface::OpenCamera and RyCamera::OpenCamera for the
+    // further arguments. The camera belongs to its interface; close it with CloseCamera.
+    // Thread: application; not from a camera callback.
+    RESULT OpenCamera(unsigned int index, RyCamera** camera, uint32_t nNumBuffer, uint32_t nWidth,
+                      uint32_t nHeight, uint32_t nPacketSize, void* pUserPointer,
+                      pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+    RESULT OpenCamera(const char* name, RyCamera** camera, uint32_t nNumBuffer, uint32_t nWidth,
+                      uint32_t nHeight, uint32_t nPacketSize, void* pUserPointer,
+                      pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+    RESULT OpenCamera(const char* interfaceName, unsigned int index, RyCamera** camera,
+                      uint32_t nNumBuffer, uint32_t nWidth, uint32_t nHeight, uint32_t nPacketSize,
+                      void* pUserPointer, pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+    // Closes a camera opened through one of this object's interfaces; the camera is
+    // destroyed. RESULT_ERROR_INVALID_PARAMETER for a camera no interface holds.
+    RESULT CloseCamera(RyCamera* camera);
+
     // Gives a camera a temporary IP configuration by its MAC address, on every adapter.
     RESULT SetForceIP(const unsigned char* mac, uint32_t ip, uint32_t subnet, uint32_t gateway);
 
@@ -95,6 +119,9 @@ class RYSDK_API RyGigE {
     friend struct system::CameraSelectionAccess;
     using InterfaceInfoList = std::list<std::shared_ptr<RYINTERFACE_INFO>>;
 
+    struct CameraRequest;
+    RESULT OpenSelectedCamera(RESULT selected, const system::CameraTarget& target,
+                              RyCamera** camera, const CameraRequest& request);
     RESULT DiscoverInterface(uint32_t index, RYINTERFACE_INFO& record);
     RESULT DiscoverCameras(TransportHandle interfaceHandle, RYINTERFACE_INFO& record);
     RESULT PrepareInterfaceOpen();

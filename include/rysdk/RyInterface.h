@@ -5,18 +5,24 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
 
+#include "rysdk/RyCameraTypes.h"
 #include "rysdk/RyExport.h"
 #include "rysdk/RyResult.h"
 #include "rysdk/RyTypes.h"
 
 namespace RYSDK {
 
+class RyCamera;
 class RyGigE;
 
 class RYSDK_API RyInterface {
   public:
     RyInterface(TransportHandle systemHandle, unsigned int filterType);
+    // Closes and destroys every camera still open through this interface.
     ~RyInterface();
     RyInterface(const RyInterface&) = delete;
     RyInterface& operator=(const RyInterface&) = delete;
@@ -24,7 +30,30 @@ class RYSDK_API RyInterface {
     // Opens the adapter with this identifier. An identifier that contains "ID:" is read
     // as a label followed by the identifier proper ("ID: eth0" opens "eth0").
     RESULT OpenInterface(const char* interfaceId, RyGigE* owner);
+    // Closes every camera opened through this interface, then the adapter.
     RESULT CloseInterface();
+
+    // Opens the camera at a position of this interface's device list, or with this device
+    // identifier, with the owner's control-channel privilege (see RyCamera::OpenCamera for
+    // the further arguments). The camera stays owned by this interface: CloseCamera
+    // destroys it. A camera whose description could not be loaded
+    // (RESULT_ERROR_RYCAMERA_GETXML) is handed out all the same, open for raw register
+    // access; any other failure closes and destroys it.
+    // Thread: application; not from a callback of a camera of this interface.
+    RESULT OpenCamera(unsigned int index, RyCamera** camera, uint32_t nNumBuffer, uint32_t nWidth,
+                      uint32_t nHeight, uint32_t nPacketSize, void* pUserPointer,
+                      pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+    RESULT OpenCamera(const char* name, RyCamera** camera, uint32_t nNumBuffer, uint32_t nWidth,
+                      uint32_t nHeight, uint32_t nPacketSize, void* pUserPointer,
+                      pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+    // Closes and destroys every camera of this interface.
+    RESULT RemoveCameraList();
+    // The camera opened through this interface with this device identifier, or null.
+    RyCamera* FindCamera(const char* name) const noexcept;
+    // True when `camera` was opened through this interface and is still open.
+    bool HoldsCamera(const RyCamera* camera) const noexcept;
 
     RESULT GetNumCameras(unsigned int* count);
     // The display name of the camera at an index; copied without a terminating zero
@@ -64,6 +93,15 @@ class RYSDK_API RyInterface {
     const char* GetInterfaceID() const noexcept { return m_InterfaceID; }
 
   private:
+    friend class RyCamera;
+    struct CameraRequest;
+    using CameraMap = std::multimap<std::string, std::unique_ptr<RyCamera>>;
+
+    RESULT OpenCameraNamed(const std::string& name, RyCamera** camera,
+                           const CameraRequest& request);
+    // Takes a camera out of the map and destroys it (its own CloseCamera calls this).
+    void DestroyCamera(RyCamera* camera) noexcept;
+    void CloseAllCameras() noexcept;
     RESULT WriteSetting(uint64_t pseudoAddress, uint32_t value, const wchar_t* function,
                         uint32_t line);
 
@@ -73,6 +111,7 @@ class RYSDK_API RyInterface {
     RyGigE* m_pRyGigE = nullptr;
     unsigned int m_FilterType = 1;
     uint32_t m_MultiCastAddress = 0;
+    CameraMap m_Cameras;
 };
 
 }  // namespace RYSDK

@@ -93,15 +93,19 @@ RESULT RyGigE::DiscoverInterface(uint32_t index, RYINTERFACE_INFO& record) {
         return RESULT_SUCCESS;
     }
     IF_HANDLE rawHandle = nullptr;
-    if (TL().TLOpenInterface(m_hTL, interfaceId, &rawHandle) != GC_ERR_SUCCESS) {
+    rc = TL().TLOpenInterface(m_hTL, interfaceId, &rawHandle);
+    if (rc != GC_ERR_SUCCESS) {
         record.m_Result = RESULT_ERROR_RYINTERFACE_OPENINTERFACE;
+        RY_LOG_EVENT(kSite, kLogErr, L"TLOpenInterface returned not success (%d)", rc);
         return RESULT_SUCCESS;
     }
     const ScopedInterfaceHandle interfaceHandle(rawHandle);
     TL().IFSetIgnoreSubnetDiscover(rawHandle, m_IgnoreSubnet ? 1 : 0);
     bool8_t changed = 0;
-    if (TL().IFUpdateDeviceList(rawHandle, &changed, m_DiscoveryTimeout) != GC_ERR_SUCCESS) {
+    rc = TL().IFUpdateDeviceList(rawHandle, &changed, m_DiscoveryTimeout);
+    if (rc != GC_ERR_SUCCESS) {
         record.m_Result = RESULT_ERROR_RYINTERFACE_OPENINTERFACE;
+        RY_LOG_EVENT(kSite, kLogErr, L"IFUpdateDeviceList returned not success (%d)", rc);
         return RESULT_SUCCESS;
     }
     return DiscoverCameras(rawHandle, record);
@@ -110,8 +114,10 @@ RESULT RyGigE::DiscoverInterface(uint32_t index, RYINTERFACE_INFO& record) {
 RESULT RyGigE::DiscoverCameras(TransportHandle interfaceHandle, RYINTERFACE_INFO& record) {
     RY_GIGE_SITE(Discovery);
     uint32_t count = 0;
-    if (TL().IFGetNumDevices(interfaceHandle, &count) != GC_ERR_SUCCESS) {
+    const GC_ERROR rc = TL().IFGetNumDevices(interfaceHandle, &count);
+    if (rc != GC_ERR_SUCCESS) {
         record.m_Result = RESULT_ERROR_RYINTERFACE_GETNUMDEVICES;
+        RY_LOG_EVENT(kSite, kLogErr, L"IFGetNumDevices returned not success (%d)", rc);
         return RESULT_SUCCESS;
     }
     for (uint32_t index = 0; index < count; ++index) {

@@ -233,7 +233,7 @@ RESULT RyGigE::OpenInterface(unsigned int index, RyInterface** out) {
         if (prepared != RESULT_SUCCESS)
             return prepared;
         const auto count = static_cast<unsigned int>(m_InterfaceInfoList.size());
-        if (index + 1 > count) {
+        if (index >= count) {
             RY_LOG_EVENT(kSite, kLogErr,
                          L"RESULT_ERROR_INITIALIZATION : nIndex(%d) > numInterfaces(%d) - 1", index,
                          count);
@@ -254,8 +254,12 @@ RESULT RyGigE::OpenInterface(const char* name, RyInterface** out) {
         if (prepared != RESULT_SUCCESS)
             return prepared;
         RYINTERFACE_INFO* record = FindInterfaceRecord(name);
-        if (record == nullptr)
+        if (record == nullptr) {
+            RY_LOG_EVENT(kSite, kLogErr,
+                         L"RESULT_ERROR_CANNOT_FIND_INTERFACE : Name(%ls) can't find",
+                         core::Widen(name).c_str());
             return RESULT_ERROR_CANNOT_FIND_INTERFACE;
+        }
         return ReportInterfaceOpen(*record, OpenInterfaceOfRecord(*record, out));
     });
 }

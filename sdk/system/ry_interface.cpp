@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/platform/text.h"
+#include "rysdk/RyCamera.h"
 #include "rysdk/RyGigE.h"
 #include "rysdk/RyInterface.h"
 #include "system/interface_identifier.h"
@@ -36,8 +37,6 @@ constexpr uint64_t kFrequentResendAddress = 17;
 RyInterface::RyInterface(TransportHandle systemHandle, unsigned int filterType)
     : m_hTL(systemHandle), m_FilterType(filterType) {}
 
-RyInterface::~RyInterface() = default;
-
 RESULT RyInterface::OpenInterface(const char* interfaceId, RyGigE* owner) {
     RY_INTERFACE_SITE(OpenInterface);
     return RY_GUARDED(kSite, [&] {
@@ -66,6 +65,7 @@ RESULT RyInterface::CloseInterface() {
         return RESULT_ERROR_TL_HANDLE;
     if (m_hIF == nullptr)
         return RESULT_ERROR_IF_HANDLE;
+    CloseAllCameras();
     const GC_ERROR rc = TL().IFClose(m_hIF);
     if (rc != GC_ERR_SUCCESS) {
         RY_LOG_EVENT(kSite, kLogErr, L"IFClose returned not success Ret[%ls]",
@@ -77,6 +77,7 @@ RESULT RyInterface::CloseInterface() {
 }
 
 RESULT RyInterface::GetNumCameras(unsigned int* count) {
+    RY_INTERFACE_SITE(GetNumCameras);
     if (count == nullptr)
         return RESULT_ERROR_INVALID_PARAMETER;
     if (m_hTL == nullptr)
@@ -84,7 +85,10 @@ RESULT RyInterface::GetNumCameras(unsigned int* count) {
     if (m_hIF == nullptr)
         return RESULT_ERROR_IF_HANDLE;
     uint32_t devices = 0;
-    if (TL().IFGetNumDevices(m_hIF, &devices) != GC_ERR_SUCCESS) {
+    const GC_ERROR rc = TL().IFGetNumDevices(m_hIF, &devices);
+    if (rc != GC_ERR_SUCCESS) {
+        RY_LOG_EVENT(kSite, kLogErr, L"IFGetNumDevices returned not success Ret[%ls]",
+                     core::TransportCodeText(rc));
         return RESULT_ERROR_TLGETNUMDEVICES;
     }
     *count = devices;
@@ -109,7 +113,7 @@ RESULT RyInterface::GetCameraName(unsigned int index, char* name, size_t* size) 
                      core::ResultText(counted), counted);
         return counted;
     }
-    if (index + 1 > total) {
+    if (index >= total) {
         RY_LOG_EVENT(kSite, kLogErr,
                      L"RESULT_ERROR_RYCAMERA_CAMERAINDEX_OVER : nCameraIndex(%d) > "
                      L"(unNumOfCameras(%d) - 1)",
@@ -121,9 +125,13 @@ RESULT RyInterface::GetCameraName(unsigned int index, char* name, size_t* size) 
     char displayName[kDisplayNameCapacity] = {};
     size_t nameSize = sizeof(displayName) - 1;
     INFO_DATATYPE type = 0;
-    if (TL().IFGetDeviceID(m_hIF, index, deviceId, &idSize) != GC_ERR_SUCCESS ||
-        TL().IFGetDeviceInfo(m_hIF, deviceId, kDeviceDisplayName, &type, displayName, &nameSize) !=
-            GC_ERR_SUCCESS) {
+    GC_ERROR rc = TL().IFGetDeviceID(m_hIF, index, deviceId, &idSize);
+    if (rc == GC_ERR_SUCCESS)
+        rc = TL().IFGetDeviceInfo(m_hIF, deviceId, kDeviceDisplayName, &type, displayName,
+                                  &nameSize);
+    if (rc != GC_ERR_SUCCESS) {
+        RY_LOG_EVENT(kSite, kLogErr, L"RESULT_ERROR_TLGETDEVICENAME : nIndex(%u) Ret[%ls]", index,
+                     core::TransportCodeText(rc));
         return RESULT_ERROR_TLGETDEVICENAME;
     }
     if (name != nullptr) {
@@ -137,6 +145,7 @@ RESULT RyInterface::GetCameraName(unsigned int index, char* name, size_t* size) 
 }
 
 RESULT RyInterface::GetCameraID(unsigned int index, char* id, size_t* size) {
+    RY_INTERFACE_SITE(GetCameraID);
     if (id == nullptr || size == nullptr)
         return RESULT_ERROR_INVALID_PARAMETER;
     if (m_hTL == nullptr)
@@ -145,7 +154,10 @@ RESULT RyInterface::GetCameraID(unsigned int index, char* id, size_t* size) {
         return RESULT_ERROR_IF_HANDLE;
     char deviceId[kDeviceIdCapacity] = {};
     size_t idSize = sizeof(deviceId) - 1;
-    if (TL().IFGetDeviceID(m_hIF, index, deviceId, &idSize) != GC_ERR_SUCCESS) {
+    const GC_ERROR rc = TL().IFGetDeviceID(m_hIF, index, deviceId, &idSize);
+    if (rc != GC_ERR_SUCCESS) {
+        RY_LOG_EVENT(kSite, kLogErr, L"RESULT_ERROR_TLGETDEVICENAME : nIndex(%u) Ret[%ls]", index,
+                     core::TransportCodeText(rc));
         return RESULT_ERROR_TLGETDEVICENAME;
     }
     const size_t length = std::strlen(deviceId);

@@ -9,12 +9,63 @@
 
 namespace RYSDK::transport {
 
-#define RY_TRANSPORT_FUNCTIONS(X)                                                            \
-    X(GCInitLib)                                                                             \
-    X(GCCloseLib) X(GCReadPort) X(GCWritePort) X(TLOpen) X(TLClose) X(TLUpdateInterfaceList) \
-        X(TLGetNumInterfaces) X(TLGetInterfaceID) X(TLGetInterfaceInfo) X(TLOpenInterface)   \
-            X(TLGetDiscoveryInfo) X(IFSetIgnoreSubnetDiscover) X(IFUpdateDeviceList)         \
-                X(IFGetNumDevices) X(IFGetDeviceID) X(IFGetDeviceInfo) X(IFClose) X(IFSetForceIP)
+// Every exported call of the transport layer, in the header's order.
+#define RY_TRANSPORT_FUNCTIONS(X)       \
+    X(GCInitLib)                        \
+    X(GCCloseLib)                       \
+    X(GCReadPort)                       \
+    X(GCWritePort)                      \
+    X(GCGetPortURL)                     \
+    X(GCRegisterEvent)                  \
+    X(GCUnregisterEvent)                \
+    X(TLOpen)                           \
+    X(TLClose)                          \
+    X(TLUpdateInterfaceList)            \
+    X(TLGetNumInterfaces)               \
+    X(TLGetInterfaceID)                 \
+    X(TLGetInterfaceInfo)               \
+    X(TLOpenInterface)                  \
+    X(TLGetDiscoveryInfo)               \
+    X(IFSetIgnoreSubnetDiscover)        \
+    X(IFUpdateDeviceList)               \
+    X(IFGetNumDevices)                  \
+    X(IFGetDeviceID)                    \
+    X(IFGetDeviceInfo)                  \
+    X(IFGetInfo)                        \
+    X(IFOpenDevice)                     \
+    X(IFClose)                          \
+    X(IFSetForceIP)                     \
+    X(DevGetPort)                       \
+    X(DevGetInfo)                       \
+    X(DevGetNumDataStreams)             \
+    X(DevGetDataStreamID)               \
+    X(DevOpenDataStream)                \
+    X(DevClose)                         \
+    X(DevSetMultiCastMode)              \
+    X(DevSetHeartBeatTimeout)           \
+    X(DevGetHeartBeatTimeout)           \
+    X(DevSetHeartBeatTimeoutCheckCount) \
+    X(DevGetHeartBeatTimeoutCheckCount) \
+    X(DevSetEventControl)               \
+    X(CloseCCP)                         \
+    X(DSAnnounceBuffer)                 \
+    X(DSRevokeBuffer)                   \
+    X(DSQueueBuffer)                    \
+    X(DSFlushQueue)                     \
+    X(DSStartAcquisition)               \
+    X(DSStopAcquisition)                \
+    X(DSStartBufferGrabbing)            \
+    X(DSStopBufferGrabbing)             \
+    X(DSSetForceQueueBuffer)            \
+    X(DSSetClearBuffer)                 \
+    X(DSRecoverQueuedBuffer)            \
+    X(DSGetInfo)                        \
+    X(DSGetBufferInfo)                  \
+    X(DSClose)                          \
+    X(InitEvent)                        \
+    X(EventGetData)                     \
+    X(EventFlush)                       \
+    X(EventKill)
 
 struct TransportTable {
 #define RY_TRANSPORT_ENTRY(name) decltype(&::name) name;

@@ -7,17 +7,13 @@
 #include <memory>
 
 #include "ry/genicam/Exceptions.h"
+#include "ry/genicam/ZipArchive.h"
 
 namespace RyGenApi::detail {
 
 namespace {
 
-// The archive as minizip sees it: a read-only stream over the caller's memory block.
-struct MemoryStream {
-    const unsigned char* data;
-    size_t size;
-    size_t position;
-};
+using MemoryStream = ZipMemoryStream;
 
 voidpf ZCALLBACK OpenStream(voidpf opaque, const char*, int mode) {
     if ((mode & ZLIB_FILEFUNC_MODE_WRITE) != 0) {
@@ -75,14 +71,6 @@ int ZCALLBACK TestErrorStream(voidpf, voidpf) {
     return 0;
 }
 
-struct ArchiveCloser {
-    void operator()(void* archive) const { unzClose(archive); }
-};
-
-struct MemberCloser {
-    void operator()(void* archive) const { unzCloseCurrentFile(archive); }
-};
-
 [[noreturn]] void Fail(const std::string& message) {
     throw RuntimeException("", "zip archive: " + message);
 }
@@ -93,49 +81,93 @@ std::string ExtractFirstZipMember(const void* data, size_t size, size_t limit) {
     if (data == nullptr || size < 22) {
         Fail("data is too short to be an archive");
     }
-    MemoryStream stream{static_cast<const unsigned char*>(data), size, 0};
-    zlib_filefunc_def functions{};
-    functions.zopen_file = OpenStream;
-    functions.zread_file = ReadStream;
-    functions.zwrite_file = WriteStream;
-    functions.ztell_file = TellStream;
-    functions.zseek_file = SeekStream;
-    functions.zclose_file = CloseStream;
-    functions.zerror_file = TestErrorStream;
-    functions.opaque = &stream;
-
-    std::unique_ptr<void, ArchiveCloser> archive(unzOpen2("memory", &functions));
-    if (!archive) {
+    ZipArchive archive(data, size);
+    if (!archive.IsOpen()) {
         Fail("not a zip archive");
     }
-    if (unzGoToFirstFile(archive.get()) != UNZ_OK) {
+    uint64_t declared = 0;
+    if (archive.FirstMember(declared) != UNZ_OK) {
         Fail("the archive holds no file");
     }
-    if (unzOpenCurrentFile(archive.get()) != UNZ_OK) {
-        Fail("the first member cannot be opened (unsupported method or damaged header)");
-    }
-    std::unique_ptr<void, MemberCloser> member(archive.get());
     std::string text;
-    char buffer[64 * 1024];
-    for (;;) {
-        const int count = unzReadCurrentFile(archive.get(), buffer, sizeof buffer);
-        if (count < 0) {
-            Fail("the first member is damaged (inflate error " + std::to_string(count) + ")");
-        }
-        if (count == 0) {
-            break;
-        }
-        if (text.size() + static_cast<size_t>(count) > limit) {
-            Fail("the first member inflates beyond " + std::to_string(limit) + " bytes");
-        }
-        text.append(buffer, static_cast<size_t>(count));
+    const int status = archive.ExtractMember(text, limit);
+    if (status == UNZ_BADZIPFILE && text.empty()) {
+        Fail("the first member cannot be opened or inflates beyond " + std::to_string(limit) +
+             " bytes");
     }
-    // Closing checks the CRC of the fully read member.
-    member.release();
-    if (unzCloseCurrentFile(archive.get()) != UNZ_OK) {
+    if (status == UNZ_CRCERROR) {
         Fail("the first member fails its CRC check");
+    }
+    if (status != UNZ_OK) {
+        Fail("the first member is damaged (inflate error " + std::to_string(status) + ")");
     }
     return text;
 }
 
 }  // namespace RyGenApi::detail
+
+namespace RyGenApi {
+
+ZipArchive::ZipArchive(const void* data, size_t size)
+    : stream_{static_cast<const unsigned char*>(data), data == nullptr ? 0 : size, 0} {
+    if (data == nullptr)
+        return;
+    zlib_filefunc_def functions{};
+    functions.zopen_file = detail::OpenStream;
+    functions.zread_file = detail::ReadStream;
+    functions.zwrite_file = detail::WriteStream;
+    functions.ztell_file = detail::TellStream;
+    functions.zseek_file = detail::SeekStream;
+    functions.zclose_file = detail::CloseStream;
+    functions.zerror_file = detail::TestErrorStream;
+    functions.opaque = &stream_;
+    archive_ = unzOpen2("memory", &functions);
+}
+
+ZipArchive::~ZipArchive() {
+    if (archive_ != nullptr)
+        unzClose(archive_);
+}
+
+int ZipArchive::FirstMember(uint64_t& uncompressedSize) {
+    if (archive_ == nullptr)
+        return UNZ_PARAMERROR;
+    const int status = unzGoToFirstFile(archive_);
+    if (status != UNZ_OK)
+        return status;
+    unz_file_info info{};
+    const int described =
+        unzGetCurrentFileInfo(archive_, &info, nullptr, 0, nullptr, 0, nullptr, 0);
+    if (described == UNZ_OK)
+        uncompressedSize = info.uncompressed_size;
+    return described;
+}
+
+int ZipArchive::ExtractMember(std::string& out, size_t limit) {
+    out.clear();
+    if (archive_ == nullptr)
+        return UNZ_PARAMERROR;
+    if (unzOpenCurrentFile(archive_) != UNZ_OK)
+        return UNZ_BADZIPFILE;
+    char buffer[64 * 1024];
+    for (;;) {
+        const int count = unzReadCurrentFile(archive_, buffer, sizeof buffer);
+        if (count == 0)
+            break;
+        // A damaged stream, or one that inflates past what the caller allows (a zip bomb
+        // whose header understates its size), ends the extraction with nothing kept.
+        if (count < 0 || out.size() + static_cast<size_t>(count) > limit) {
+            unzCloseCurrentFile(archive_);
+            out.clear();
+            return count < 0 ? count : UNZ_BADZIPFILE;
+        }
+        out.append(buffer, static_cast<size_t>(count));
+    }
+    // Closing checks the CRC of the fully read member.
+    const int closed = unzCloseCurrentFile(archive_);
+    if (closed != UNZ_OK)
+        out.clear();
+    return closed;
+}
+
+}  // namespace RyGenApi

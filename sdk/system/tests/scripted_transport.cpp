@@ -178,27 +178,33 @@ GC_ERROR ForceIp(IF_HANDLE, const uint8_t*, uint32_t, uint32_t, uint32_t, uint32
     return script->forceIpResult;
 }
 
-const transport::TransportTable kScriptedTable = {
-    .GCInitLib = InitLib,
-    .GCCloseLib = CloseLib,
-    .GCReadPort = ReadPort,
-    .GCWritePort = WritePort,
-    .TLOpen = Open,
-    .TLClose = Close,
-    .TLUpdateInterfaceList = UpdateInterfaceList,
-    .TLGetNumInterfaces = GetNumInterfaces,
-    .TLGetInterfaceID = GetInterfaceID,
-    .TLGetInterfaceInfo = GetInterfaceInfo,
-    .TLOpenInterface = OpenInterface,
-    .TLGetDiscoveryInfo = GetDiscoveryInfo,
-    .IFSetIgnoreSubnetDiscover = SetIgnoreSubnet,
-    .IFUpdateDeviceList = UpdateDeviceList,
-    .IFGetNumDevices = GetNumDevices,
-    .IFGetDeviceID = GetDeviceID,
-    .IFGetDeviceInfo = GetDeviceInfo,
-    .IFClose = CloseInterface,
-    .IFSetForceIP = ForceIp,
-};
+// The system-level calls are scripted; a camera-level call would reach no camera and is
+// left null, so a test that strays there fails at once.
+transport::TransportTable ScriptedTable() {
+    transport::TransportTable table{};
+    table.GCInitLib = InitLib;
+    table.GCCloseLib = CloseLib;
+    table.GCReadPort = ReadPort;
+    table.GCWritePort = WritePort;
+    table.TLOpen = Open;
+    table.TLClose = Close;
+    table.TLUpdateInterfaceList = UpdateInterfaceList;
+    table.TLGetNumInterfaces = GetNumInterfaces;
+    table.TLGetInterfaceID = GetInterfaceID;
+    table.TLGetInterfaceInfo = GetInterfaceInfo;
+    table.TLOpenInterface = OpenInterface;
+    table.TLGetDiscoveryInfo = GetDiscoveryInfo;
+    table.IFSetIgnoreSubnetDiscover = SetIgnoreSubnet;
+    table.IFUpdateDeviceList = UpdateDeviceList;
+    table.IFGetNumDevices = GetNumDevices;
+    table.IFGetDeviceID = GetDeviceID;
+    table.IFGetDeviceInfo = GetDeviceInfo;
+    table.IFClose = CloseInterface;
+    table.IFSetForceIP = ForceIp;
+    return table;
+}
+
+const transport::TransportTable kScriptedTable = ScriptedTable();
 
 }  // namespace
 

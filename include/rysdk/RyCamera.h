@@ -1,0 +1,176 @@
+// RyCamera: one GigE Vision camera opened through an interface. It owns the camera's
+// transport device and stream, its GenICam node map and register port, its buffer pool and
+// its worker threads.
+//
+//      RyInterface::OpenCamera
+//               │
+//               ▼
+//        ┌─────────────┐  OpenCamera ok   ┌────────────────────────────┐
+//        │ constructed │ ───────────────► │ opened: node map built,    │
+//        └─────────────┘                  │ stream started (stream     │
+//               │ OpenCamera failed       │ mode), monitor threads run │
+//               ▼                         └────────────────────────────┘
+//        what the open reached stays                │ CloseCamera
+//        (see OpenCamera); CloseCamera              ▼
+//        releases it                       removed from its interface and destroyed
+//
+// Threads: a camera is driven from one application thread at a time; OpenCamera and
+// CloseCamera must not run concurrently for one camera. The connection monitor and the
+// general event thread run beside the application and call its callbacks.
+//
+// Copies: a copy shares the original's device, stream, node map, buffers and threads (the
+// handles are copied, not reopened). What they share is released when the last of them
+// goes, so destroying a copy never frees what the other still uses.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "rysdk/RyCameraTypes.h"
+#include "rysdk/RyExport.h"
+#include "rysdk/RyPixelFormat.h"
+#include "rysdk/RyResult.h"
+#include "rysdk/RyTypes.h"
+
+namespace RYSDK {
+
+class RyInterface;
+
+namespace camera {
+struct CameraShared;
+struct OpenSteps;
+struct CloseSteps;
+}  // namespace camera
+
+class RYSDK_API RyCamera {
+  public:
+    // `mode` is kept for the interface's sake; every camera streams.
+    RyCamera(RyInterface* adapter, uint32_t mode);
+    RyCamera(const RyCamera& other);
+    RyCamera& operator=(const RyCamera& other);
+    // Stops what the last holder still runs (50 ms per thread, then it is left to end by
+    // itself) and frees the node map, the port and the buffers.
+    ~RyCamera();
+
+    // Opens the device with this transport identifier, reads its description, starts its
+    // stream into nNumBuffer buffers of nWidth x nHeight (0: the camera's current size) and
+    // sets its packet size (0: left alone). pUserPointer (the application's OBJECT_INFO) is
+    // handed back to every callback and must not be null. pDisconnectCallbackFn, when given,
+    // is called once if the camera stops answering.
+    // A failure leaves what the open reached: after the description failed
+    // (RESULT_ERROR_RYCAMERA_GETXML) the device stays open for raw register access; close
+    // the camera with CloseCamera in every case.
+    // Thread: application; not from a callback of this camera.
+    RESULT OpenCamera(const char* name, uint32_t nNumBuffer, uint32_t nWidth, uint32_t nHeight,
+                      uint32_t nPacketSize, void* pUserPointer, pImageCallbackFn pImageCallbackFn,
+                      pDisconnectCallbackFn pDisconnectCallbackFn);
+
+    // Stops the threads, the stream and the device, and frees the buffers and the node map.
+    // When the camera belongs to an interface it is destroyed before this returns: the
+    // caller must not touch the object again. The last failing step's result is returned.
+    // Thread: application; not from a callback of this camera.
+    RESULT CloseCamera();
+
+    // The interface that opened this camera (not owned by the caller).
+    RESULT GetRyInterface(RyInterface** adapter);
+    // The transport device handle (valid while the camera is open).
+    RESULT GetDeviceHandle(TransportHandle* device);
+
+    // The camera's GenICam description as text: unzipped, a UTF-8 byte-order mark dropped
+    // and UTF-16 converted to UTF-8. Empty on any failure. The second argument is unused.
+    std::string GetXML(TransportHandle device, int unused);
+
+    // Buffer pool. ChangeBufferFormat stops the stream, rebuilds the pool for the new
+    // geometry, writes Width, Height and PixelFormat to the camera and restarts the stream.
+    RESULT ChangeBufferFormat(unsigned int count, unsigned int width, unsigned int height,
+                              PIXEL_FORMAT format);
+    // The pool's buffer count, then the camera's live width, height and pixel format.
+    RESULT GetBufferInfo(unsigned int& count, unsigned int& width, unsigned int& height,
+                         PIXEL_FORMAT& format);
+    // On: buffers are zeroed when queued, so the gaps of an incomplete frame read 0.
+    RESULT SetClearBuffer(int on);
+
+    // Image geometry. Width is clamped into the camera's range and must then be a multiple
+    // of 4 (values below 4 exempt); height likewise with 2.
+    RESULT SetWidth(unsigned int width);
+    RESULT GetWidth(unsigned int* width);
+    RESULT SetHeight(unsigned int height);
+    RESULT GetHeight(unsigned int* height);
+    // A format outside the SDK's catalogue is refused with RESULT_ERROR before any write.
+    RESULT SetPixelFormat(PIXEL_FORMAT format);
+    RESULT GetPixelFormat(PIXEL_FORMAT* format);
+
+    // The property list: the camera's visible features, depth first from "Root", built at
+    // open. Texts longer than their fields are cut (and always terminated).
+    RESULT GetPropertyCount(int32_t* count);
+    RESULT GetPropertyInfo(const char* name, _PROPERTY* property);
+    RESULT GetPropertyInfo(int32_t index, _PROPERTY* property);
+
+    // Texts of the camera at `index` on this camera's interface as discovery found them.
+    // `size`: in, the buffer's capacity; out, the text's length with its terminating zero.
+    RESULT GetDeviceID(unsigned int index, char* id, size_t* size);
+    RESULT GetDeviceModelName(unsigned int index, char* name, size_t* size);
+
+    // General events: every 4 s the camera's "ResultAll" is read; each clear status bit
+    // (while bit 31 is set) calls the callback with its code, on the general event thread.
+    RESULT SetGeneralEventCallback(pGeneralEventCallbackFn callback);
+    // 1 when bit 0 or bit 2 of `type` is set.
+    int IsValidEventType(uint32_t type);
+
+    // The control-channel privilege the next OpenCamera asks for (CONTROL by default);
+    // MONITOR opens read-only and never configures the camera's stream.
+    RESULT SetCCPPrivilege(CCP_PRIVILEGE privilege);
+
+    // Heartbeats that must fail in a row before the camera is reported lost.
+    RESULT SetHeartBeatTimeoutTryCount(int count);
+    RESULT GetHeartBeatTimeoutTryCount(int& count);
+
+  protected:
+    RyCamera();
+    void Initialize();
+
+    // Buffer pool steps of the open and close.
+    RESULT CreateBuffer(unsigned int width, unsigned int height, unsigned int bitsPerPixel,
+                        unsigned int count, std::list<void*>& handles, void* const stream,
+                        void*** bufferArrayOut);
+    static RESULT RearrangeQueue(std::list<void*>& handles, void* const stream);
+    static RESULT StartAcquisition(void* const stream);
+    static RESULT StopAcquisition(void* const stream);
+    // Registers the stream's new-buffer event; `eventOut` is only checked, never written.
+    static RESULT SetRegisterEvent(void* const stream, void** eventOut, void* arg);
+    RESULT DeleteBuffer();
+
+    // Reads the description out of device memory: `data` receives a buffer the caller frees
+    // with delete[], `size` the file's length, `zipped` 1 for a zip archive. 1 on success.
+    int GetXML(TransportHandle device, char** data, uint32_t* size, int* zipped);
+
+    void LoadPropertyList();
+
+    // The plain-device flag: 1 unless the camera is of the older register-driven model.
+    void SetVxDevice(int32_t plain) noexcept { m_PlainDevice = plain; }
+
+  private:
+    friend struct camera::OpenSteps;
+    friend struct camera::CloseSteps;
+
+    RyInterface* m_pRyInterface = nullptr;
+    // Everything the camera's threads may still touch after a bounded wait ran out lives
+    // here; each thread holds its own reference until it leaves.
+    std::shared_ptr<camera::CameraShared> m_Shared;
+    std::list<void*> m_BufferHandleList;
+    uint32_t m_NumBuffer = 0;
+    int32_t m_PlainDevice = 0;
+    uint32_t m_AcquisitionTimeout = 5000;
+    int32_t m_StreamMode = 1;
+    uint32_t m_LastFrameNumber = 0xFFFFFFFF;
+    std::vector<_PROPERTY> m_PropertyList;
+    int32_t m_MonitorMode = 0;
+    int32_t m_Opened = 0;
+    CCP_PRIVILEGE m_Privilege = CCP_PRIVILEGE_CONTROL;
+};
+
+}  // namespace RYSDK

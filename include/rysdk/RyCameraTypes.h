@@ -1,0 +1,80 @@
+// Records and callback types a camera hands to the application: the frame record, the
+// connection-loss report, the feature property record and the general event codes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "rysdk/RyPixelFormat.h"
+#include "rysdk/RyResult.h"
+
+namespace RYSDK {
+
+// The application's own record. The SDK keeps only the pointer given at open and hands it
+// back unchanged as the first argument of every callback; it never reads the fields.
+struct OBJECT_INFO {
+    void* pUserPointer;
+    void* pContext;
+};
+
+// One delivered frame. Valid only during the image callback; the pixels stay valid until
+// the buffer is queued again (or, on the callback thread, until the next frame is copied).
+struct IMAGE_INFO {
+    RESULT result;             // 0 when the camera's pixel format was read for this frame
+    uint32_t blockId;          // block id of the frame (low 32 bits)
+    PIXEL_FORMAT pixelFormat;  // Mono8 when the camera's pixel format could not be read
+    uint32_t width;
+    uint32_t height;
+    uint32_t reserved0;  // never written
+    uint64_t timestamp;  // device ticks
+    uint32_t bufferStatus;
+    uint8_t frameFlag;
+    uint8_t reserved1[3];  // never written
+    void* pImage;          // pixels; owned by the camera's buffer pool
+};
+
+// What the disconnect callback learns about the lost camera; 0xFFFFFFFF where the heartbeat
+// setting could not be read any more.
+struct DISCONNECT_INFO {
+    uint32_t heartBeatTimeout;
+    uint32_t heartBeatTimeoutTryCount;
+};
+
+using pImageCallbackFn = void (*)(OBJECT_INFO* object, IMAGE_INFO* image);
+using pDisconnectCallbackFn = void (*)(OBJECT_INFO* object, DISCONNECT_INFO info);
+
+// Codes handed to the general event callback: one per clear status bit the camera's
+// "ResultAll" feature reports.
+enum EventType : int32_t {
+    EVENT_TYPE_STATUS_BIT0 = 2,
+    EVENT_TYPE_STATUS_BIT1 = 3,
+    EVENT_TYPE_STATUS_BIT2 = 4,
+    EVENT_TYPE_STATUS_BIT3 = 5,
+};
+using pGeneralEventCallbackFn = void (*)(EventType type);
+
+// One feature of the camera's property list.
+struct _PROPERTY {
+    uint32_t type;            // the node's interface type (RyGenApi::EInterfaceType)
+    uint32_t accessMode;      // NI 0, NA 1, WO 2, RO 3, RW 4
+    uint32_t visibility;      // Beginner 0, Expert 1, Guru 2, Invisible 3
+    uint32_t representation;  // of an integer or float feature; 7 for every other kind
+    uint32_t reserved;        // 0xFFFFFFFF
+    char name[256];           // the feature's name
+    char displayName[256];    // its display name
+    char description[2048];   // its description (the tool tip when it has none)
+};
+
+static_assert(sizeof(OBJECT_INFO) == 16, "OBJECT_INFO is 16 bytes");
+static_assert(sizeof(IMAGE_INFO) == 48, "IMAGE_INFO is 48 bytes");
+static_assert(offsetof(IMAGE_INFO, blockId) == 4);
+static_assert(offsetof(IMAGE_INFO, pixelFormat) == 8);
+static_assert(offsetof(IMAGE_INFO, width) == 12);
+static_assert(offsetof(IMAGE_INFO, height) == 16);
+static_assert(offsetof(IMAGE_INFO, timestamp) == 24);
+static_assert(offsetof(IMAGE_INFO, bufferStatus) == 32);
+static_assert(offsetof(IMAGE_INFO, frameFlag) == 36);
+static_assert(offsetof(IMAGE_INFO, pImage) == 40);
+static_assert(sizeof(DISCONNECT_INFO) == 8, "DISCONNECT_INFO is 8 bytes");
+
+}  // namespace RYSDK

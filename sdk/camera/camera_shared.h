@@ -1,0 +1,59 @@
+// What a camera shares with its copies and with its worker threads. Copies of a RyCamera
+// hold one CameraShared; each worker thread holds the smaller blocks it reads, so a thread
+// that outlives its bounded wait (and is detached) never touches freed memory.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "acquisition/buffer_table.h"
+#include "camera/my_port.h"
+#include "core/platform/sync_event.h"
+#include "core/platform/worker_thread.h"
+#include "ry/genicam/NodeMapRef.h"
+#include "rysdk/RyCameraTypes.h"
+#include "rysdk/RyTypes.h"
+
+namespace RYSDK::camera {
+
+// The node map with the port it reads through: the port outlives the map.
+struct DeviceNodeMap {
+    explicit DeviceNodeMap(std::shared_ptr<MyPort> registerPort)
+        : port(std::move(registerPort)), map("Device") {}
+
+    std::shared_ptr<MyPort> port;
+    RyGenApi::CNodeMapRef map;
+};
+
+// Signals between the camera and its threads.
+struct ThreadSignals {
+    // Set by close and by the destructor to wake every waiting thread; it stays set.
+    core::SyncEvent stop{core::SyncEvent::Mode::ManualReset};
+    std::atomic<int32_t> exitRequest{0};
+    std::atomic<pGeneralEventCallbackFn> generalEventCallback{nullptr};
+};
+
+struct CameraShared {
+    TransportHandle device = nullptr;
+    TransportHandle stream = nullptr;
+    TransportHandle newBufferEvent = nullptr;
+    bool newBufferEventRegistered = false;
+    TransportHandle deviceErrorEvent = nullptr;
+
+    std::shared_ptr<MyPort> port = std::make_shared<MyPort>();
+    std::shared_ptr<DeviceNodeMap> nodeMap;
+    acquisition::BufferTable buffers;
+    // One zeroed block of a buffer's size for the independent-callback delivery.
+    std::unique_ptr<uint8_t[]> copyBuffer;
+    int32_t independentCallback = 0;
+
+    pImageCallbackFn imageCallback = nullptr;
+    pDisconnectCallbackFn disconnectCallback = nullptr;
+    void* userPointer = nullptr;
+
+    std::shared_ptr<ThreadSignals> signals = std::make_shared<ThreadSignals>();
+    core::WorkerThread connectionThread;
+    core::WorkerThread generalEventThread;
+};
+
+}  // namespace RYSDK::camera
