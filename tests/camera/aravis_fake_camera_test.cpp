@@ -1,0 +1,86 @@
+// The SDK against an independent camera: Aravis's fake GigE Vision camera (Debian package
+// aravis-tools), started as a child process inside the test's private network namespace.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <thread>
+
+#include "private_network.h"
+#include "rysdk/RyCamera.h"
+#include "rysdk/RyEventLog.h"
+#include "rysdk/RyGigE.h"
+
+extern char** environ;
+
+namespace {
+
+using namespace RYSDK;
+
+constexpr const char* kFakeCamera = "/usr/bin/arv-fake-gv-camera-0.8";
+
+class AravisFakeCamera : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        if (!rytest::InPrivateNetwork())
+            GTEST_SKIP() << rytest::kPrivateNetworkAdvice;
+        if (::access(kFakeCamera, X_OK) != 0)
+            GTEST_SKIP() << kFakeCamera << " is not installed (Debian package aravis-tools)";
+        SetEventLogCallback(nullptr, nullptr);
+        char* const args[] = {const_cast<char*>(kFakeCamera), const_cast<char*>("-i"),
+                              const_cast<char*>("127.0.0.1"), nullptr};
+        ASSERT_EQ(::posix_spawn(&child_, kFakeCamera, nullptr, nullptr, args, environ), 0);
+    }
+
+    void TearDown() override {
+        if (child_ > 0) {
+            ::kill(child_, SIGTERM);
+            ::waitpid(child_, nullptr, 0);
+        }
+        UseSyslogEventLog();
+    }
+
+    pid_t child_ = -1;
+};
+
+TEST_F(AravisFakeCamera, OpensReadsItsFeaturesAndClosesCleanly) {
+    OBJECT_INFO object{};
+    RyCamera* camera = nullptr;
+    RESULT opened = RESULT_ERROR_NO_CAMERAS;
+    // The fake camera needs a moment to bind its sockets; each try discovers anew.
+    for (int attempt = 0; attempt < 30 && opened == RESULT_ERROR_NO_CAMERAS; ++attempt) {
+        RyGigE probe;
+        probe.SetDiscoveryTimeout(200);
+        unsigned int count = 0;
+        if (probe.Open() == RESULT_SUCCESS && probe.GetNumCameras(&count) == RESULT_SUCCESS &&
+            count > 0) {
+            opened = RESULT_SUCCESS;
+        }
+    }
+    ASSERT_EQ(opened, RESULT_SUCCESS) << "the fake camera did not answer discovery";
+
+    RyGigE gige;
+    gige.SetDiscoveryTimeout(300);
+    ASSERT_EQ(gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr,
+                              [](OBJECT_INFO*, DISCONNECT_INFO) {}),
+              RESULT_SUCCESS);
+    unsigned int width = 0, height = 0;
+    EXPECT_EQ(camera->GetWidth(&width), RESULT_SUCCESS);
+    EXPECT_EQ(camera->GetHeight(&height), RESULT_SUCCESS);
+    EXPECT_GT(width, 0u);
+    EXPECT_GT(height, 0u);
+    int32_t properties = 0;
+    EXPECT_EQ(camera->GetPropertyCount(&properties), RESULT_SUCCESS);
+    EXPECT_GT(properties, 5);
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_EQ(gige.CloseCamera(camera), RESULT_SUCCESS);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(1));
+    // Closed cleanly: the fake camera is free for the next application.
+    ASSERT_EQ(gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr, nullptr), RESULT_SUCCESS);
+    EXPECT_EQ(gige.CloseCamera(camera), RESULT_SUCCESS);
+}
+
+}  // namespace
