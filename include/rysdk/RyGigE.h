@@ -23,6 +23,9 @@ namespace system {
 struct CameraSelectionAccess;
 struct CameraTarget;
 }  // namespace system
+namespace camera {
+struct OpenRequest;
+}  // namespace camera
 
 class RYSDK_API RyGigE {
   public:
@@ -119,9 +122,8 @@ class RYSDK_API RyGigE {
     friend struct system::CameraSelectionAccess;
     using InterfaceInfoList = std::list<std::shared_ptr<RYINTERFACE_INFO>>;
 
-    struct CameraRequest;
     RESULT OpenSelectedCamera(RESULT selected, const system::CameraTarget& target,
-                              RyCamera** camera, const CameraRequest& request);
+                              RyCamera** camera, const camera::OpenRequest& request);
     RESULT DiscoverInterface(uint32_t index, RYINTERFACE_INFO& record);
     RESULT DiscoverCameras(TransportHandle interfaceHandle, RYINTERFACE_INFO& record);
     RESULT PrepareInterfaceOpen();

@@ -18,6 +18,9 @@ namespace RYSDK {
 
 class RyCamera;
 class RyGigE;
+namespace camera {
+struct OpenRequest;
+}
 
 class RYSDK_API RyInterface {
   public:
@@ -94,11 +97,11 @@ class RYSDK_API RyInterface {
 
   private:
     friend class RyCamera;
-    struct CameraRequest;
+    friend class RyGigE;
     using CameraMap = std::multimap<std::string, std::unique_ptr<RyCamera>>;
 
     RESULT OpenCameraNamed(const std::string& name, RyCamera** camera,
-                           const CameraRequest& request);
+                           const camera::OpenRequest& request);
     // Takes a camera out of the map and destroys it (its own CloseCamera calls this).
     void DestroyCamera(RyCamera* camera) noexcept;
     void CloseAllCameras() noexcept;

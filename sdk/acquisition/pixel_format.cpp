@@ -13,6 +13,17 @@ namespace {
 
 constexpr const char* kPixelFormat = "PixelFormat";
 
+// The feature as both accessors reach it: node map, node, enumeration.
+RESULT FindPixelFormat(const camera::FeatureAccess& access, RyGenApi::IEnumeration*& node) {
+    RESULT result = access.CheckNodeMap();
+    if (result == RESULT_SUCCESS)
+        result = access.CheckExists(kPixelFormat, L"_GetNode(\"%ls\") is NULL");
+    if (result != RESULT_SUCCESS)
+        return result;
+    node = access.As<RyGenApi::IEnumeration>(kPixelFormat);
+    return node == nullptr ? RESULT_ERROR_XML_NODE_ACCESS_FAILED : RESULT_SUCCESS;
+}
+
 }  // namespace
 
 RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
@@ -22,14 +33,11 @@ RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
             RY_LOG_EVENT(kSite, kLogErr, L"pPixelFormat is NULL");
             return RESULT_ERROR_INVALID_PARAMETER;
         }
-        const camera::FeatureAccess access(*m_Shared, kSite);
-        RESULT result = access.CheckNodeMap();
-        if (result == RESULT_SUCCESS)
-            result = access.CheckExists(kPixelFormat, L"_GetNode(\"%ls\") is NULL");
-        if (result != RESULT_SUCCESS)
-            return result;
-        auto* node = access.As<RyGenApi::IEnumeration>(kPixelFormat);
-        if (node == nullptr || !RyGenApi::IsReadable(node->GetAccessMode()))
+        RyGenApi::IEnumeration* node = nullptr;
+        const RESULT found = FindPixelFormat(camera::FeatureAccess(*m_Shared, kSite), node);
+        if (found != RESULT_SUCCESS)
+            return found;
+        if (!RyGenApi::IsReadable(node->GetAccessMode()))
             return RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         const int64_t value = node->GetIntValue();
         if (value == -1) {
@@ -47,14 +55,10 @@ RESULT RyCamera::SetPixelFormat(PIXEL_FORMAT format) {
         if (acquisition::PixelFormatNameOf(format) == nullptr)
             return RESULT_ERROR;
         const camera::FeatureAccess access(*m_Shared, kSite);
-        RESULT result = access.CheckNodeMap();
-        if (result == RESULT_SUCCESS)
-            result = access.CheckExists(kPixelFormat, L"_GetNode(\"%ls\") is NULL");
+        RyGenApi::IEnumeration* node = nullptr;
+        RESULT result = FindPixelFormat(access, node);
         if (result != RESULT_SUCCESS)
             return result;
-        auto* node = access.As<RyGenApi::IEnumeration>(kPixelFormat);
-        if (node == nullptr)
-            return RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         result = access.CheckNotReadOnly(*node, kPixelFormat);
         if (result != RESULT_SUCCESS)
             return result;

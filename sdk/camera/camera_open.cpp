@@ -12,6 +12,7 @@
 #include "camera/device_description.h"
 #include "camera/general_events.h"
 #include "camera/ip_address.h"
+#include "camera/open_request.h"
 #include "core/platform/text.h"
 #include "ry/genicam/Exceptions.h"
 #include "rysdk/RyCamera.h"
@@ -88,26 +89,16 @@ uint32_t StrIP2dwIP(const char* text) {
     return address;
 }
 
-struct OpenArguments {
-    const char* name;
-    uint32_t numBuffer;
-    uint32_t width;
-    uint32_t height;
-    uint32_t packetSize;
-    void* userPointer;
-    pImageCallbackFn imageCallback;
-    pDisconnectCallbackFn disconnectCallback;
-};
-
 struct OpenSteps {
     RyCamera& camera;
     CameraShared& shared;
-    const OpenArguments& args;
+    const char* name;
+    const OpenRequest& args;
     const core::LogSite& site;
 
     RESULT Run() {
         LogArguments();
-        if (args.userPointer == nullptr || args.name == nullptr || args.numBuffer == 0)
+        if (args.userPointer == nullptr || name == nullptr || args.numBuffer == 0)
             return RESULT_ERROR_INVALID_PARAMETER;
         if (args.width % 4 != 0)
             return RESULT_ERROR_INVALID_WIDTH;
@@ -138,16 +129,16 @@ struct OpenSteps {
     }
 
     void LogArguments() {
-        const std::wstring name = core::Widen(args.name != nullptr ? args.name : "");
+        const std::wstring wideName = core::Widen(name != nullptr ? name : "");
         RY_LOG_EVENT(site, kLogDebug,
                      L"RyCamera::OpenCamera - name(%ls), nNumBuffer(%d), nWidth(%d), nHeight(%d), "
                      L"nPacketSize(%d), pUserPointer(0x%X), pImageCallbackFn(0x%X), "
                      L"pDisconnectCallbackFn(0x%X) ",
-                     name.c_str(), args.numBuffer, args.width, args.height, args.packetSize,
+                     wideName.c_str(), args.numBuffer, args.width, args.height, args.packetSize,
                      AddressForLog(args.userPointer),
                      AddressForLog(reinterpret_cast<const void*>(args.imageCallback)),
                      AddressForLog(reinterpret_cast<const void*>(args.disconnectCallback)));
-        RY_LOG_EVENT(site, kLogEtc, L"Open device \"%ls\" :", name.c_str());
+        RY_LOG_EVENT(site, kLogEtc, L"Open device \"%ls\" :", wideName.c_str());
     }
 
     // Every open starts with fresh signals: a stop set by an earlier close must not end the
@@ -166,7 +157,7 @@ struct OpenSteps {
         RyInterface* adapter = camera.m_pRyInterface;
         if (adapter == nullptr || adapter->GetInterfaceHandle() == nullptr)
             return RESULT_ERROR_RYCAMERA_INTERFACE_HANDLE;
-        const GC_ERROR rc = TL().IFOpenDevice(adapter->GetInterfaceHandle(), args.name,
+        const GC_ERROR rc = TL().IFOpenDevice(adapter->GetInterfaceHandle(), name,
                                               AccessFlagOf(camera.m_Privilege), &shared.device);
         if (rc != GC_ERR_SUCCESS) {
             RY_LOG_EVENT(site, kLogDebug, L"IFOpenDevice returned not success. Ret[%ls]",
@@ -364,7 +355,7 @@ struct OpenSteps {
             char id[kStreamIdCapacity] = {};
             size_t size = sizeof(id);
             if (camera.GetDeviceID(index, id, &size) == RESULT_SUCCESS &&
-                std::strcmp(id, args.name) == 0) {
+                std::strcmp(id, name) == 0) {
                 break;
             }
         }
@@ -385,10 +376,10 @@ RESULT RyCamera::OpenCamera(const char* name, uint32_t nNumBuffer, uint32_t nWid
                             pImageCallbackFn pImageCallbackFn,
                             pDisconnectCallbackFn pDisconnectCallbackFn) {
     RY_CAMERA_SITE(OpenCamera);
-    const camera::OpenArguments args{
-        name,        nNumBuffer,   nWidth,           nHeight,
-        nPacketSize, pUserPointer, pImageCallbackFn, pDisconnectCallbackFn};
-    camera::OpenSteps steps{*this, *m_Shared, args, kSite};
+    const camera::OpenRequest args{nNumBuffer,           nWidth,       nHeight,
+                                   nPacketSize,          pUserPointer, pImageCallbackFn,
+                                   pDisconnectCallbackFn};
+    camera::OpenSteps steps{*this, *m_Shared, name, args, kSite};
     return RY_GUARDED(kSite, [&] { return steps.Run(); });
 }
 

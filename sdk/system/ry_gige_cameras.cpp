@@ -1,5 +1,6 @@
 // RyGigE: opening a camera by global index, by name or by interface and index, and closing
 // it through whichever interface holds it.
+#include "camera/open_request.h"
 #include "core/platform/text.h"
 #include "rysdk/RyCamera.h"
 #include "rysdk/RyGigE.h"
@@ -11,20 +12,10 @@ namespace RYSDK {
 
 using core::kLogErr;
 
-struct RyGigE::CameraRequest {
-    uint32_t numBuffer;
-    uint32_t width;
-    uint32_t height;
-    uint32_t packetSize;
-    void* userPointer;
-    pImageCallbackFn imageCallback;
-    pDisconnectCallbackFn disconnectCallback;
-};
-
 // Hands the chosen camera to its interface. A camera whose description could not be loaded
 // is handed out all the same, so the application can still reach it.
 RESULT RyGigE::OpenSelectedCamera(RESULT selected, const system::CameraTarget& target,
-                                  RyCamera** camera, const CameraRequest& request) {
+                                  RyCamera** camera, const camera::OpenRequest& request) {
     RY_GIGE_SITE(OpenCamera);
     if (selected != RESULT_SUCCESS)
         return selected;

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <string>
 
+#include "camera/open_request.h"
 #include "core/platform/text.h"
 #include "rysdk/RyCamera.h"
 #include "rysdk/RyGigE.h"
@@ -14,16 +15,6 @@ namespace RYSDK {
 using core::kLogErr;
 using system::kDeviceIdCapacity;
 using system::TL;
-
-struct RyInterface::CameraRequest {
-    uint32_t numBuffer;
-    uint32_t width;
-    uint32_t height;
-    uint32_t packetSize;
-    void* userPointer;
-    pImageCallbackFn imageCallback;
-    pDisconnectCallbackFn disconnectCallback;
-};
 
 namespace {
 
@@ -56,7 +47,7 @@ RyInterface::~RyInterface() {
 }
 
 RESULT RyInterface::OpenCameraNamed(const std::string& name, RyCamera** out,
-                                    const CameraRequest& request) {
+                                    const camera::OpenRequest& request) {
     auto camera = std::make_unique<RyCamera>(this, m_FilterType);
     if (m_pRyGigE != nullptr)
         camera->SetCCPPrivilege(m_pRyGigE->GetCCPPrivilege());
