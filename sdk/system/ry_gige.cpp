@@ -83,6 +83,9 @@ RyGigE::~RyGigE() {
     RY_LOG_TRACE(kSite, kLogDebug, L"~RyGigE - Start");
     RY_LOG_EVENT(kSite, kLogEtc, L"RyGigE DLL was unloaded (0x%X)", AddressForLog(this));
     m_InterfaceInfoList.clear();
+    // Interfaces this object alone still holds close their cameras while the transport
+    // layer is still open.
+    m_Interfaces.clear();
     m_Session.reset();
     core::DeregisterEventSource();
     RY_LOG_TRACE(kSite, kLogDebug, L"~RyGigE - End");
