@@ -157,8 +157,9 @@ RESULT RyCamera::DeleteBuffer() {
             if (rc != GC_ERR_SUCCESS)
                 result = core::ResultFromTransportCode(rc);
         }
-        m_BufferHandleList.clear();
     }
+    // Handles mean nothing without their stream, which revokes them when it closes.
+    m_BufferHandleList.clear();
     acquisition::BufferTable& table = shared.buffers;
     for (uint32_t i = 0; i < table.Count(); ++i) {
         RY_LOG_EVENT(kSite, kLogDebug, L"DeleteBuffer - Deleted buffer : %X",

@@ -17,6 +17,7 @@ class BufferTable {
     static uint8_t* AllocateBlock(size_t size) noexcept;
 
     explicit BufferTable(Allocator allocator = AllocateBlock) noexcept : allocator_(allocator) {}
+    ~BufferTable() { Clear(); }
     BufferTable(const BufferTable&) = delete;
     BufferTable& operator=(const BufferTable&) = delete;
 

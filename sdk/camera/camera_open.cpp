@@ -157,6 +157,7 @@ struct OpenSteps {
         RyInterface* adapter = camera.m_pRyInterface;
         if (adapter == nullptr || adapter->GetInterfaceHandle() == nullptr)
             return RESULT_ERROR_RYCAMERA_INTERFACE_HANDLE;
+        shared.privilege = camera.m_Privilege;
         const GC_ERROR rc = TL().IFOpenDevice(adapter->GetInterfaceHandle(), name,
                                               AccessFlagOf(camera.m_Privilege), &shared.device);
         if (rc != GC_ERR_SUCCESS) {

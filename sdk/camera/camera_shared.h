@@ -34,6 +34,13 @@ struct ThreadSignals {
 };
 
 struct CameraShared {
+    CameraShared() = default;
+    // The last holder of an open camera gone without a close: its threads are given a short
+    // wait and the stream and device are given back to the transport layer.
+    ~CameraShared();
+    CameraShared(const CameraShared&) = delete;
+    CameraShared& operator=(const CameraShared&) = delete;
+
     TransportHandle device = nullptr;
     TransportHandle stream = nullptr;
     TransportHandle newBufferEvent = nullptr;
@@ -50,6 +57,8 @@ struct CameraShared {
     pImageCallbackFn imageCallback = nullptr;
     pDisconnectCallbackFn disconnectCallback = nullptr;
     void* userPointer = nullptr;
+    // The privilege the device was opened with decides whether control is released.
+    CCP_PRIVILEGE privilege = CCP_PRIVILEGE_CONTROL;
 
     std::shared_ptr<ThreadSignals> signals = std::make_shared<ThreadSignals>();
     core::WorkerThread connectionThread;

@@ -8,31 +8,35 @@
 #include "camera/worker_stop.h"
 #include "rysdk/RyCamera.h"
 
-namespace RYSDK {
-
-using camera::TL;
+namespace RYSDK::camera {
 
 namespace {
 
 // The destructor gives each thread this long before leaving it to end by itself.
 constexpr std::chrono::milliseconds kDestructorThreadWait{50};
 
-// What the last holder of an open camera still holds when it is destroyed without a
-// close: the stream and the device are given back rather than left to the transport layer.
-void ReleaseTransport(camera::CameraShared& shared, CCP_PRIVILEGE privilege) {
-    if (shared.stream != nullptr) {
-        TL().DSClose(shared.stream);
-        shared.stream = nullptr;
-    }
-    if (shared.device != nullptr) {
+}  // namespace
+
+CameraShared::~CameraShared() {
+    signals->stop.Set();
+    signals->exitRequest.store(1);
+    StopWorker(connectionThread, kDestructorThreadWait);
+    StopWorker(generalEventThread, kDestructorThreadWait);
+    if (stream != nullptr)
+        TL().DSClose(stream);
+    if (device != nullptr) {
         if (privilege != CCP_PRIVILEGE_MONITOR)
-            TL().CloseCCP(shared.device);
-        TL().DevClose(shared.device);
-        shared.device = nullptr;
+            TL().CloseCCP(device);
+        TL().DevClose(device);
     }
+    port->SetPortHandle(nullptr);
 }
 
-}  // namespace
+}  // namespace RYSDK::camera
+
+namespace RYSDK {
+
+using camera::TL;
 
 RyCamera::RyCamera() {
     Initialize();
@@ -46,18 +50,8 @@ RyCamera::RyCamera(RyInterface* adapter, uint32_t mode)
 RyCamera::RyCamera(const RyCamera& other) = default;
 RyCamera& RyCamera::operator=(const RyCamera& other) = default;
 
-RyCamera::~RyCamera() {
-    // Copies share one state; only the last of them ends the threads and frees it.
-    if (!m_Shared || m_Shared.use_count() > 1)
-        return;
-    camera::CameraShared& shared = *m_Shared;
-    shared.signals->stop.Set();
-    shared.signals->exitRequest.store(1);
-    camera::StopWorker(shared.connectionThread, kDestructorThreadWait);
-    camera::StopWorker(shared.generalEventThread, kDestructorThreadWait);
-    ReleaseTransport(shared, m_Privilege);
-    shared.port->SetPortHandle(nullptr);
-}
+// Copies share one state; whatever the last of them leaves running is ended by the state.
+RyCamera::~RyCamera() = default;
 
 void RyCamera::Initialize() {
     m_Shared = std::make_shared<camera::CameraShared>();
