@@ -299,3 +299,60 @@ TEST(UserLogging, NeedsALiveSdkAndEveryText) {
 
 }  // namespace
 }  // namespace RYSDK::testing
+
+namespace RYSDK::testing {
+namespace {
+
+std::vector<std::wstring> records;
+void Capture(void*, uint16_t eventType, uint32_t, const wchar_t* record) {
+    if (eventType == EVENT_LOG_ERROR)
+        records.emplace_back(record);
+}
+
+bool Logged(const wchar_t* text) {
+    for (const std::wstring& record : records) {
+        if (record.find(text) != std::wstring::npos)
+            return true;
+    }
+    return false;
+}
+
+// Every failure leaves an error record that names it.
+TEST(ScriptedSystemLog, EveryFailureIsRecordedAtErrorLevel) {
+    records.clear();
+    Script script;
+    script.interfaces = {{"abcbroken", 1}, {"abcnocount", 1}, {"abcgood", 1}};
+    script.interfaces[0].openResult = GC_ERR_ACCESS_DENIED;
+    script.interfaces[1].numDevicesResult = GC_ERR_IO;
+    ScriptedTransport transport(script);
+    SetEventLogCallback(Capture, nullptr);
+    RyGigE gige;
+    ASSERT_EQ(gige.Open(), RESULT_SUCCESS);
+    EXPECT_TRUE(Logged(L"TLOpenInterface returned not success")) << "discovery's 25";
+    EXPECT_TRUE(Logged(L"IFGetNumDevices returned not success")) << "discovery's 27";
+
+    RyInterface* adapter = nullptr;
+    EXPECT_EQ(gige.OpenInterface("no such interface", &adapter),
+              RESULT_ERROR_CANNOT_FIND_INTERFACE);
+    EXPECT_TRUE(Logged(L"RESULT_ERROR_CANNOT_FIND_INTERFACE"));
+
+    ASSERT_EQ(gige.OpenInterface(2u, &adapter), RESULT_SUCCESS);
+    script.interfaces[2].numDevicesResult = GC_ERR_IO;
+    unsigned int count = 0;
+    EXPECT_EQ(adapter->GetNumCameras(&count), RESULT_ERROR_TLGETNUMDEVICES);
+    EXPECT_TRUE(Logged(L"IFGetNumDevices returned not success Ret[GC_ERR_IO (-1010)]"));
+    script.interfaces[2].numDevicesResult = GC_ERR_SUCCESS;
+    script.interfaces[2].failingDeviceId = 0;
+    char text[64] = {};
+    size_t size = sizeof(text);
+    records.clear();
+    EXPECT_EQ(adapter->GetCameraID(0, text, &size), RESULT_ERROR_TLGETDEVICENAME);
+    EXPECT_TRUE(Logged(L"RESULT_ERROR_TLGETDEVICENAME : nIndex(0)"));
+    records.clear();
+    EXPECT_EQ(adapter->GetCameraName(0, text, &size), RESULT_ERROR_TLGETDEVICENAME);
+    EXPECT_TRUE(Logged(L"RESULT_ERROR_TLGETDEVICENAME : nIndex(0)"));
+    SetEventLogCallback(nullptr, nullptr);
+}
+
+}  // namespace
+}  // namespace RYSDK::testing
