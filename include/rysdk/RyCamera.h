@@ -32,6 +32,7 @@
 
 #include "rysdk/RyCameraTypes.h"
 #include "rysdk/RyExport.h"
+#include "rysdk/RyFeatureTypes.h"
 #include "rysdk/RyPixelFormat.h"
 #include "rysdk/RyResult.h"
 #include "rysdk/RyTypes.h"
@@ -103,6 +104,101 @@ class RYSDK_API RyCamera {
     // A format outside the SDK's catalogue is refused with RESULT_ERROR before any write.
     RESULT SetPixelFormat(PIXEL_FORMAT format);
     RESULT GetPixelFormat(PIXEL_FORMAT* format);
+    // The formats the camera offers, by position among its available entries; a position
+    // past the end leaves *format as it was and succeeds.
+    RESULT GetPixelFormatLineup(unsigned int index, PIXEL_FORMAT* format);
+    RESULT GetPixelFormatLineupNum(unsigned int* count);
+    // The camera's "PixelSize" feature (bits per pixel).
+    RESULT SetPixelSize(unsigned int bits);
+    RESULT GetPixelSize(unsigned int* bits);
+    RESULT GetPixelSizeType(unsigned int index, unsigned int* bits);
+    RESULT GetPixelSizeTypeNum(unsigned int* count);
+    RESULT IsValidPixelSize(unsigned int bits, int* valid);
+
+    // Standard features. Every accessor returns RESULT_ERROR_XML_NODE_ACCESS_FAILED while
+    // the camera is not open, RESULT_ERROR_XML_NOT_EXIST_NODE for a feature the camera lacks
+    // and RESULT_ERROR_RYCAMERA_READ_ONLY for a read-only one; a value the camera refuses
+    // ends in RESULT_ERROR_EXCEPTION. Lineups list the available entries by position (a
+    // position past the end leaves the output as it was and succeeds).
+    // Thread: application; a callback may call the getters.
+    RESULT SetTriggerMode(int mode);
+    RESULT GetTriggerMode(int* mode);
+    RESULT GetTriggerModeLineup(unsigned int nIndex, unsigned int* pnValue);
+    RESULT GetTriggerModeLineupNum(unsigned int* pnIndex);
+    RESULT SetTriggerSource(TRIGGER_SOURCE source);
+    RESULT GetTriggerSource(TRIGGER_SOURCE* source);
+    RESULT GetTriggerSourceLineup(unsigned int nIndex, TRIGGER_SOURCE* source);
+    RESULT GetTriggerSourceLineupNum(unsigned int* pnIndex);
+    RESULT SetTriggerActivation(TRIGGER_ACTIVATION activation);
+    RESULT SetTriggerSoftware();
+    // Clamped into the camera's range before it is written.
+    RESULT SetSCPSPacketSize(unsigned int size);
+    RESULT GetSCPSPacketSize(unsigned int* size);
+    RESULT SetBinningHorizontal(unsigned int binning);
+    RESULT GetBinningHorizontal(unsigned int* binning);
+    RESULT GetBinningHorizontalLineup(unsigned int nIndex, unsigned int* pnValue);
+    RESULT GetBinningHorizontalLineupNum(unsigned int* pnIndex);
+    RESULT SetBinningVertical(unsigned int binning);
+    RESULT GetBinningVertical(unsigned int* binning);
+    RESULT GetBinningVerticalLineup(unsigned int nIndex, unsigned int* pnValue);
+    RESULT GetBinningVerticalLineupNum(unsigned int* pnIndex);
+    RESULT SetBinningFactor(unsigned int factor);
+    RESULT GetBinningFactor(unsigned int* factor);
+    // Only 1 holds the stream; any other value releases it.
+    RESULT SetStreamHold(unsigned int hold);
+    RESULT GetStreamHold(unsigned int* hold);
+    RESULT SetHorizontalStart(unsigned int value);
+    RESULT GetHorizontalStart(unsigned int* value);
+    RESULT SetHorizontalEnd(unsigned int value);
+    RESULT GetHorizontalEnd(unsigned int* value);
+    RESULT SetVerticalStart(unsigned int value);
+    RESULT GetVerticalStart(unsigned int* value);
+    RESULT SetVerticalEnd(unsigned int value);
+    RESULT GetVerticalEnd(unsigned int* value);
+    RESULT SetTestImage(TESTIMAGE image);
+    RESULT GetTestImage(TESTIMAGE* image);
+    RESULT GetTestImageLineup(unsigned int nIndex, TESTIMAGE* image);
+    RESULT GetTestImageLineupNum(unsigned int* pnIndex);
+    RESULT SetReadoutMode(READOUT mode);
+    RESULT GetReadoutMode(READOUT* mode);
+    RESULT SetExposureMode(EXPOSURE_MODE mode);
+    RESULT GetExposureMode(EXPOSURE_MODE* mode);
+    RESULT SetExposureTime(unsigned int time);
+    RESULT GetExposureTime(unsigned int* time);
+    // The selector is written first, then the value (refused outside the gain's range,
+    // 0.0 to 9999.0 when the camera gives none).
+    RESULT SetGain(GAIN_SEL selector, float gain);
+    RESULT GetGain(GAIN_SEL* selector, float* gain);
+    RESULT SetBlackLevel(BLACKLEVEL_SEL selector, unsigned int level);
+    RESULT SetReverseX(int reverse);
+    RESULT SetStrobeOffset(unsigned int offset);
+    RESULT SetStrobePolarity(STROBE_POLARITY polarity);
+
+    // Any feature by its GenICam name, the value as text. flag2 of the setter clamps an
+    // integer into the feature's range (and asks the camera to verify the write).
+    RESULT SetCustomCommand(const char* cpCommand, const char* cpArg, uint64_t size, int flag1 = 0,
+                            int flag2 = 0);
+    // Writes the answer with its terminating zero when *cbpArgSize holds it and sets
+    // *cbpArgSize to the answer's length plus one; with a null cpArg (or a buffer too small)
+    // only the size is given back, with RESULT_ERROR_INVALID_PARAMETER.
+    RESULT GetCustomCommand(const char* cpCommand, char* cpArg, uint64_t* cbpArgSize,
+                            int32_t selector = GET_CUSTOM_COMMAND_VALUE);
+    // Drops every cached feature value, so the next reads ask the camera.
+    RESULT InvalidateNodes();
+
+    // The camera's network configuration.
+    RESULT GigEGetCurrentIpConfigurationDHCP(bool* enabled);
+    RESULT GigESetCurrentIpConfigurationDHCP(bool enabled);
+    RESULT GigEGetCurrentIpConfigurationPersistentIP(bool* enabled);
+    RESULT GigESetCurrentIpConfigurationPersistentIP(bool enabled);
+    RESULT GigEGetPersistentSubnetMask(unsigned int* mask);
+    // "00:11:22:33:44:55"; *size in: the buffer's capacity, out: the text's length with its
+    // zero (18).
+    RESULT GigEGetCurrentMACAddress(char* mac, size_t* size);
+
+    // Raw register access: `size` in, the bytes asked; out, the bytes done.
+    RESULT ReadData(void* buffer, int64_t address, int64_t* size);
+    RESULT WriteData(void* buffer, int64_t address, uint64_t* size);
 
     // The property list: the camera's visible features, depth first from "Root", built at
     // open. Texts longer than their fields are cut (and always terminated).
@@ -114,6 +210,10 @@ class RYSDK_API RyCamera {
     // `size`: in, the buffer's capacity; out, the text's length with its terminating zero.
     RESULT GetDeviceID(unsigned int index, char* id, size_t* size);
     RESULT GetDeviceModelName(unsigned int index, char* name, size_t* size);
+    RESULT GetDeviceVersion(unsigned int index, char* version, size_t* size);
+    RESULT GetDeviceVendorName(unsigned int index, char* vendor, size_t* size);
+    RESULT GetDeviceIP(unsigned int index, char* address, size_t* size);
+    RESULT GetDeviceMAC(unsigned int index, char* mac, size_t* size);
 
     // General events: every 4 s the camera's "ResultAll" is read; each clear status bit
     // (while bit 31 is set) calls the callback with its code, on the general event thread.
@@ -149,6 +249,11 @@ class RYSDK_API RyCamera {
     int GetXML(TransportHandle device, char** data, uint32_t* size, int* zipped);
 
     void LoadPropertyList();
+
+    // The catalogue's code of a pixel format name (exact match): RESULT_ERROR when none.
+    static RESULT GetPixelFormatFromString(std::string name, PIXEL_FORMAT* format);
+    // The catalogue's name of a code: RESULT_ERROR_EXCEPTION when none.
+    static RESULT GetPixelFormatName(PIXEL_FORMAT format, std::string* name);
 
     // The plain-device flag: 1 unless the camera is of the older register-driven model.
     void SetVxDevice(int32_t plain) noexcept { m_PlainDevice = plain; }

@@ -39,6 +39,33 @@ RESULT ReadDeviceId(RyInterface* adapter, unsigned int index, std::string& id) {
     return RESULT_SUCCESS;
 }
 
+// A text discovery found for the device at `index` on the adapter.
+RESULT ReadDeviceText(RyInterface* adapter, unsigned int index, DEVICE_INFO_CMD command,
+                      std::string& text) {
+    std::string id;
+    const RESULT result = ReadDeviceId(adapter, index, id);
+    if (result != RESULT_SUCCESS)
+        return result;
+    char value[kDeviceTextCapacity] = {};
+    size_t size = sizeof(value) - 1;
+    INFO_DATATYPE type = 0;
+    if (camera::TL().IFGetDeviceInfo(adapter->GetInterfaceHandle(), id.c_str(), command, &type,
+                                     value, &size) != GC_ERR_SUCCESS) {
+        return RESULT_ERROR_TLGETDEVICENAME;
+    }
+    text = value;
+    return RESULT_SUCCESS;
+}
+
+RESULT CopyDeviceText(RyInterface* adapter, unsigned int index, DEVICE_INFO_CMD command, char* out,
+                      size_t* size) {
+    if (out == nullptr || size == nullptr)
+        return RESULT_ERROR_INVALID_PARAMETER;
+    std::string text;
+    const RESULT result = ReadDeviceText(adapter, index, command, text);
+    return result != RESULT_SUCCESS ? result : CopyText(text, out, size);
+}
+
 }  // namespace
 
 RESULT RyCamera::GetDeviceID(unsigned int index, char* id, size_t* size) {
@@ -50,22 +77,29 @@ RESULT RyCamera::GetDeviceID(unsigned int index, char* id, size_t* size) {
 }
 
 RESULT RyCamera::GetDeviceModelName(unsigned int index, char* name, size_t* size) {
-    if (name == nullptr || size == nullptr)
-        return RESULT_ERROR_INVALID_PARAMETER;
-    std::string id;
-    const RESULT result = ReadDeviceId(m_pRyInterface, index, id);
+    std::string model;
+    const RESULT result = ReadDeviceText(m_pRyInterface, index, DEVICE_INFO_MODEL, model);
     if (result != RESULT_SUCCESS)
         return result;
-    char model[kDeviceTextCapacity] = {};
-    size_t modelSize = sizeof(model) - 1;
-    INFO_DATATYPE type = 0;
-    if (camera::TL().IFGetDeviceInfo(m_pRyInterface->GetInterfaceHandle(), id.c_str(),
-                                     DEVICE_INFO_MODEL, &type, model,
-                                     &modelSize) != GC_ERR_SUCCESS) {
-        return RESULT_ERROR_TLGETDEVICENAME;
-    }
-    m_PlainDevice = std::strcmp(model, kRegisterDrivenModel) == 0 ? 0 : 1;
-    return CopyText(model, name, size);
+    m_PlainDevice = model == kRegisterDrivenModel ? 0 : 1;
+    return name == nullptr || size == nullptr ? RESULT_ERROR_INVALID_PARAMETER
+                                              : CopyText(model, name, size);
+}
+
+RESULT RyCamera::GetDeviceVersion(unsigned int index, char* version, size_t* size) {
+    return CopyDeviceText(m_pRyInterface, index, DEVICE_INFO_VERSION, version, size);
+}
+
+RESULT RyCamera::GetDeviceVendorName(unsigned int index, char* vendor, size_t* size) {
+    return CopyDeviceText(m_pRyInterface, index, DEVICE_INFO_VENDOR, vendor, size);
+}
+
+RESULT RyCamera::GetDeviceIP(unsigned int index, char* address, size_t* size) {
+    return CopyDeviceText(m_pRyInterface, index, DEVICE_INFO_IP_ADDRESS, address, size);
+}
+
+RESULT RyCamera::GetDeviceMAC(unsigned int index, char* mac, size_t* size) {
+    return CopyDeviceText(m_pRyInterface, index, DEVICE_INFO_MAC_ADDRESS, mac, size);
 }
 
 }  // namespace RYSDK

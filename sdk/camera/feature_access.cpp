@@ -25,4 +25,16 @@ RESULT FeatureAccess::CheckNotReadOnly(RyGenApi::IBase& node, const char* name) 
     return RESULT_ERROR_RYCAMERA_READ_ONLY;
 }
 
+std::vector<RyGenApi::IEnumEntry*> FeatureAccess::AvailableEntries(RyGenApi::IEnumeration& node) {
+    RyGenApi::NodeList_t entries;
+    node.GetEntries(entries);
+    std::vector<RyGenApi::IEnumEntry*> available;
+    for (RyGenApi::INode* entry : entries) {
+        auto* value = dynamic_cast<RyGenApi::IEnumEntry*>(entry);
+        if (value != nullptr && RyGenApi::IsAvailable(entry->GetAccessMode()))
+            available.push_back(value);
+    }
+    return available;
+}
+
 }  // namespace RYSDK::camera

@@ -4,6 +4,8 @@
 // index makes that cheap.
 #pragma once
 
+#include <vector>
+
 #include "camera/camera_shared.h"
 #include "core/log/log.h"
 #include "rysdk/RyResult.h"
@@ -33,6 +35,10 @@ class FeatureAccess {
     RESULT CheckNotReadOnly(RyGenApi::IBase& node, const char* name) const;
 
     const core::LogSite& Site() const noexcept { return site_; }
+
+    // The enumeration's entries a caller may choose, in the feature's order: those neither
+    // not implemented nor unavailable.
+    static std::vector<RyGenApi::IEnumEntry*> AvailableEntries(RyGenApi::IEnumeration& node);
 
   private:
     DeviceNodeMap* nodeMap_;

@@ -31,4 +31,5 @@ RESULT RunGuarded(const LogSite& site, uint32_t line, Body&& body) noexcept {
 }  // namespace RYSDK::core
 
 // RY_GUARDED(kSite, [&] { ...; return RESULT_SUCCESS; })
-#define RY_GUARDED(site, body) ::RYSDK::core::RunGuarded((site), __LINE__, body)
+// Variadic so that a body with braced initialisers needs no extra parentheses.
+#define RY_GUARDED(site, ...) ::RYSDK::core::RunGuarded((site), __LINE__, __VA_ARGS__)
