@@ -1,6 +1,8 @@
 #include "serial_port.h"
 
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
 #include <sstream>
 #include <vector>
 
@@ -47,7 +49,7 @@ SerialPort::SerialPort(SerialIdentity identity) : identity_(std::move(identity))
                {"ti", 0},    {"dc", 1},   {"ls", 0},    {"fi", 8},     {"fc", 0},    {"fo", 0},
                {"hf", 0},    {"ii", 0},   {"so", 0},    {"sp", 1},     {"ci", 0},    {"ha0", 0},
                {"ha1", 639}, {"va0", 0},  {"va1", 479}, {"ag0", 100},  {"ag1", 100}, {"ag2", 100},
-               {"ao0", 10},  {"ao1", 10}, {"ao2", 10},  {"rgr", 256},  {"rgb", 256}, {"te", 0}};
+               {"ao0", 10},  {"ao1", 10}, {"ao2", 10},  {"te", 0}};
 }
 
 void SerialPort::read_received(std::span<std::uint8_t> out) {
@@ -163,15 +165,19 @@ std::string SerialPort::execute(const std::string& line) {
     if ((cmd == "lcf" || cmd == "sct") && args.size() == 1) {
         return args[0] >= 0 && args[0] <= 3 ? "OK" : "ERR bad argument";
     }
+    // Colour gains are decimal factors: hosts send them with six decimals.
     if (words.size() == 2 && cmd == "grg" && (words[1] == "r" || words[1] == "b")) {
-        return get_value("rg" + words[1]);
+        char text[32];
+        std::snprintf(text, sizeof(text), "%g", colour_gains_[words[1]]);
+        return text;
     }
     if (words.size() == 3 && cmd == "srg" && (words[1] == "r" || words[1] == "b")) {
-        int v = 0;
-        if (!parse_int(words[2], v)) {
+        char* end = nullptr;
+        const double gain = std::strtod(words[2].c_str(), &end);
+        if (end == words[2].c_str() || *end != '\0' || !(gain >= 0.0)) {
             return "ERR bad argument";
         }
-        values_["rg" + words[1]] = v;
+        colour_gains_[words[1]] = gain;
         return "OK";
     }
     if (cmd == "gsn") {

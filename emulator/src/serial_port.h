@@ -54,6 +54,7 @@ class SerialPort {
     std::string line_;
     std::deque<std::uint8_t> received_;
     std::map<std::string, int> values_;
+    std::map<std::string, double> colour_gains_{{"r", 1.0}, {"b", 1.0}};
     std::uint32_t trigger_word_ = 0;
 };
 

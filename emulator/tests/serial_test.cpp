@@ -75,7 +75,10 @@ TEST(SerialPort, SetCommandsAreKeptByTheirGetters) {
     EXPECT_EQ(port.execute("gao 2"), "5");
     EXPECT_EQ(port.execute("srg r 300"), "OK");
     EXPECT_EQ(port.execute("grg r"), "300");
-    EXPECT_EQ(port.execute("grg b"), "256");
+    EXPECT_EQ(port.execute("grg b"), "1");
+    EXPECT_EQ(port.execute("srg b 1.500000"), "OK");
+    EXPECT_EQ(port.execute("grg b"), "1.5");
+    EXPECT_EQ(port.execute("srg b fast"), "ERR bad argument");
     EXPECT_EQ(port.execute("ste 5"), "OK");
     for (const char* plain : {"gfd", "sfd", "lfd"}) {
         EXPECT_EQ(port.execute(plain), "OK");

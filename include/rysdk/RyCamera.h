@@ -35,6 +35,7 @@
 #include "rysdk/RyFeatureTypes.h"
 #include "rysdk/RyPixelFormat.h"
 #include "rysdk/RyResult.h"
+#include "rysdk/RySerial.h"
 #include "rysdk/RyTypes.h"
 
 namespace RYSDK {
@@ -195,6 +196,23 @@ class RYSDK_API RyCamera {
     // "00:11:22:33:44:55"; *size in: the buffer's capacity, out: the text's length with its
     // zero (18).
     RESULT GigEGetCurrentMACAddress(char* mac, size_t* size);
+
+    // The serial command channel of cameras that carry one (see RySerial). The channel
+    // follows the camera: it reaches the device while the camera is open.
+    RySerial* GetSerial();
+    // Any command line through the serial channel; the answer line goes to cpArg and its
+    // length to *cbpArgSize (RESULT_ERROR_INSUFFICIENT_RESOURCES when it does not fit).
+    RESULT GetUARTCustomCommand(const char* cpCommand, char* cpArg, size_t* cbpArgSize);
+    RESULT SetUARTCustomCommand(const char* cpCommand);
+    // Colour gains (channel 0 red, 2 blue; green has no command), the sensor temperature
+    // and the serial number, through the serial channel. A mono pixel format has no colour
+    // gain (RESULT_ERROR_INVALID_PARAMETER). A camera that does not answer leaves the value
+    // parsed from nothing (0).
+    RESULT GigEGetColorRGBGain(int channel, double* gain);
+    RESULT GigESetColorRGBGain(int channel, double gain);
+    RESULT GigEGetTemperature(double* temperature);
+    RESULT GigEGetSerialNumber(char* serial, size_t* size);
+    RESULT GigEGetSerialNumber(char* serial, size_t& size);
 
     // Raw register access: `size` in, the bytes asked; out, the bytes done.
     RESULT ReadData(void* buffer, int64_t address, int64_t* size);

@@ -88,6 +88,7 @@ struct CloseSteps {
         shared.stream = nullptr;
         shared.device = nullptr;
         shared.port->SetPortHandle(nullptr);
+        shared.serial.SetCamHandle(nullptr);
         shared.nodeMap.reset();
         camera.m_Opened = 0;
     }

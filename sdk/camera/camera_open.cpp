@@ -190,6 +190,7 @@ struct OpenSteps {
         else
             nodeMap->map._LoadXMLFromString(PlainDescriptionText(description));
         shared.port->SetPortHandle(shared.device);
+        shared.serial.SetCamHandle(shared.device);
         nodeMap->map._Connect(shared.port.get());
         shared.nodeMap = std::move(nodeMap);
         return RESULT_SUCCESS;

@@ -12,6 +12,7 @@
 #include "core/platform/worker_thread.h"
 #include "ry/genicam/NodeMapRef.h"
 #include "rysdk/RyCameraTypes.h"
+#include "rysdk/RySerial.h"
 #include "rysdk/RyTypes.h"
 
 namespace RYSDK::camera {
@@ -48,6 +49,7 @@ struct CameraShared {
     TransportHandle deviceErrorEvent = nullptr;
 
     std::shared_ptr<MyPort> port = std::make_shared<MyPort>();
+    RySerial serial;
     std::shared_ptr<DeviceNodeMap> nodeMap;
     acquisition::BufferTable buffers;
     // One zeroed block of a buffer's size for the independent-callback delivery.
