@@ -197,6 +197,29 @@ class RYSDK_API RyCamera {
     // zero (18).
     RESULT GigEGetCurrentMACAddress(char* mac, size_t* size);
 
+    // Files stored on the camera, read and written whole by name (an entry of its
+    // "FileSelector"). Reading more than the file holds gives
+    // RESULT_ERROR_FILE_STREAM_CLOSE_FAILURE.
+    RESULT ReadFileStream(const char* fileName, uint8_t* buffer, uint64_t& size);
+    RESULT WriteFileStream(const char* fileName, const uint8_t* data, uint64_t size);
+    // Appends "<feature> : <value>\n" for each file access feature to the terminated text
+    // in `text`. The one-argument form takes the buffer to hold FILE_ACCESS_STATUS_SIZE
+    // bytes; neither form writes past its size, and the text stays terminated.
+    RESULT GetFileAccessControlStatus(char* text);
+    RESULT GetFileAccessControlStatus(char* text, size_t capacity);
+
+    // Device events: the camera's "EventSelector" entries are routed to the callbacks
+    // registered by event identifier (the first registration of an identifier wins).
+    // Register before enabling the events on the camera: callbacks run on the transport
+    // layer's event thread.
+    RESULT InitEventControl();
+    RESULT SetEventControlCallback(uint32_t eventId, const char* eventName,
+                                   uint64_t eventNameLength, pEventCallbackFn callback,
+                                   void* context);
+    // Milliseconds between refreshes of a feature's value (its own or its value node's),
+    // -1 when it is not polled, 0 when the camera is not open or has no such feature.
+    int GetPollingTime(const char* nodeName);
+
     // The serial command channel of cameras that carry one (see RySerial). The channel
     // follows the camera: it reaches the device while the camera is open.
     RySerial* GetSerial();
@@ -267,6 +290,8 @@ class RYSDK_API RyCamera {
     int GetXML(TransportHandle device, char** data, uint32_t* size, int* zipped);
 
     void LoadPropertyList();
+    // Hands a camera event to the callback registered for its identifier.
+    static void EventControlCallback(char* eventName, RyGenICam::EVENT_DATA* eventData);
 
     // The catalogue's code of a pixel format name (exact match): RESULT_ERROR when none.
     static RESULT GetPixelFormatFromString(std::string name, PIXEL_FORMAT* format);
@@ -293,6 +318,7 @@ class RYSDK_API RyCamera {
     std::vector<_PROPERTY> m_PropertyList;
     int32_t m_MonitorMode = 0;
     int32_t m_Opened = 0;
+    int32_t m_EventControlInitialized = 0;
     CCP_PRIVILEGE m_Privilege = CCP_PRIVILEGE_CONTROL;
 };
 

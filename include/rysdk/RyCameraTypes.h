@@ -53,6 +53,34 @@ enum EventType : int32_t {
 };
 using pGeneralEventCallbackFn = void (*)(EventType type);
 
+}  // namespace RYSDK
+
+namespace RyGenICam {
+
+// A camera event as its callback receives it. `object` is the camera and `context` the
+// context given when the callback was registered; both are set before the callback runs.
+struct EVENT_DATA {
+    uint16_t eventId;
+    uint16_t streamChannel;  // 0xFFFF when the event names no stream
+    uint32_t dataSize;       // bytes at `data` (the event's payload), 0 for a plain event
+    void* object;
+    void* context;
+    uint64_t blockId;
+    uint64_t timestamp;  // device ticks
+    const uint8_t* data;
+};
+
+}  // namespace RyGenICam
+
+namespace RYSDK {
+
+// Receives one camera event: its name (as registered) and its record. Called on the
+// transport layer's event thread.
+using pEventCallbackFn = void (*)(char* eventName, RyGenICam::EVENT_DATA* eventData);
+
+// The largest report GetFileAccessControlStatus(char*) writes, its zero included.
+inline constexpr size_t FILE_ACCESS_STATUS_SIZE = 4096;
+
 // One feature of the camera's property list.
 struct _PROPERTY {
     uint32_t type;            // the node's interface type (RyGenApi::EInterfaceType)

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
+#include <vector>
 
 #include "acquisition/buffer_table.h"
 #include "camera/my_port.h"
@@ -32,6 +34,13 @@ struct ThreadSignals {
     core::SyncEvent stop{core::SyncEvent::Mode::ManualReset};
     std::atomic<int32_t> exitRequest{0};
     std::atomic<pGeneralEventCallbackFn> generalEventCallback{nullptr};
+};
+
+// Where the camera's events with one identifier go.
+struct EventRoute {
+    uint16_t eventId = 0;
+    pEventCallbackFn callback = nullptr;
+    void* context = nullptr;
 };
 
 struct CameraShared {
@@ -63,6 +72,9 @@ struct CameraShared {
     CCP_PRIVILEGE privilege = CCP_PRIVILEGE_CONTROL;
 
     std::shared_ptr<ThreadSignals> signals = std::make_shared<ThreadSignals>();
+    // Read on the transport layer's event thread while the application may still register.
+    std::mutex eventMutex;
+    std::vector<EventRoute> eventRoutes;
     core::WorkerThread connectionThread;
     core::WorkerThread generalEventThread;
 };
