@@ -53,6 +53,16 @@ std::string Ask(RySerial& serial, const std::string& command) {
     return answer;
 }
 
+// Whether the camera can take a colour gain on this channel in its current format.
+RESULT CheckColourChannel(RyCamera& camera, int channel) {
+    if (channel > kBlueChannel || channel < 0)
+        return RESULT_ERROR_INVALID_PARAMETER;
+    PIXEL_FORMAT format{};
+    if (camera.GetPixelFormat(&format) == RESULT_ERROR)
+        return RESULT_ERROR;
+    return IsMono(format) ? RESULT_ERROR_INVALID_PARAMETER : RESULT_SUCCESS;
+}
+
 RESULT ReadStatusOf(int32_t status, const core::LogSite& site, const wchar_t* invalidText,
                     const wchar_t* failureFormat) {
     if (status == GC_ERR_SUCCESS)
@@ -140,13 +150,11 @@ RESULT RyCamera::SetUARTCustomCommand(const char* cpCommand) {
 RESULT RyCamera::GigEGetColorRGBGain(int channel, double* gain) {
     RY_CAMERA_SITE(GigEGetColorRGBGain);
     return RY_GUARDED(kSite, [&] {
-        if (channel > kBlueChannel || channel < 0 || gain == nullptr)
+        if (gain == nullptr)
             return RESULT_ERROR_INVALID_PARAMETER;
-        PIXEL_FORMAT format{};
-        if (GetPixelFormat(&format) == RESULT_ERROR)
-            return RESULT_ERROR;
-        if (IsMono(format))
-            return RESULT_ERROR_INVALID_PARAMETER;
+        const RESULT usable = CheckColourChannel(*this, channel);
+        if (usable != RESULT_SUCCESS)
+            return usable;
         *gain = std::atof(Ask(m_Shared->serial, GainCommand("grg", channel)).c_str());
         return RESULT_SUCCESS;
     });
@@ -155,13 +163,9 @@ RESULT RyCamera::GigEGetColorRGBGain(int channel, double* gain) {
 RESULT RyCamera::GigESetColorRGBGain(int channel, double gain) {
     RY_CAMERA_SITE(GigESetColorRGBGain);
     return RY_GUARDED(kSite, [&] {
-        if (channel > kBlueChannel || channel < 0)
-            return RESULT_ERROR_INVALID_PARAMETER;
-        PIXEL_FORMAT format{};
-        if (GetPixelFormat(&format) == RESULT_ERROR)
-            return RESULT_ERROR;
-        if (IsMono(format))
-            return RESULT_ERROR_INVALID_PARAMETER;
+        const RESULT usable = CheckColourChannel(*this, channel);
+        if (usable != RESULT_SUCCESS)
+            return usable;
         std::string command = GainCommand("srg", channel);
         if (!command.empty()) {
             command += ' ';

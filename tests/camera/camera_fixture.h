@@ -59,4 +59,23 @@ class EmulatedCameraTest : public ::testing::Test {
     std::unique_ptr<RYSDK::RyGigE> gige_;
 };
 
+// A test that starts with the emulated camera open.
+class OpenedCameraTest : public EmulatedCameraTest {
+  protected:
+    void SetUp() override {
+        EmulatedCameraTest::SetUp();
+        if (IsSkipped())
+            return;
+        StartCamera();
+        ASSERT_EQ(Open(&camera_), RYSDK::RESULT_SUCCESS);
+    }
+    void TearDown() override {
+        if (camera_ != nullptr)
+            gige_->CloseCamera(camera_);
+        EmulatedCameraTest::TearDown();
+    }
+
+    RYSDK::RyCamera* camera_ = nullptr;
+};
+
 }  // namespace rytest

@@ -9,29 +9,14 @@ namespace {
 
 using namespace RYSDK;
 
-class FeatureAccess : public rytest::EmulatedCameraTest {
+class FeatureAccess : public rytest::OpenedCameraTest {
   protected:
-    void SetUp() override {
-        rytest::EmulatedCameraTest::SetUp();
-        if (IsSkipped())
-            return;
-        StartCamera();
-        ASSERT_EQ(Open(&camera_), RESULT_SUCCESS);
-    }
-    void TearDown() override {
-        if (camera_ != nullptr)
-            gige_->CloseCamera(camera_);
-        rytest::EmulatedCameraTest::TearDown();
-    }
-
     std::string Read(const char* feature, int32_t selector = GET_CUSTOM_COMMAND_VALUE) {
         char text[256] = {};
         uint64_t size = sizeof(text);
         const RESULT result = camera_->GetCustomCommand(feature, text, &size, selector);
         return result == RESULT_SUCCESS ? std::string(text) : "error " + std::to_string(result);
     }
-
-    RyCamera* camera_ = nullptr;
 };
 
 TEST_F(FeatureAccess, AnswersFollowTheSizeContract) {

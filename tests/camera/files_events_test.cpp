@@ -12,23 +12,7 @@ namespace {
 
 using namespace RYSDK;
 
-class FilesAndEvents : public rytest::EmulatedCameraTest {
-  protected:
-    void SetUp() override {
-        rytest::EmulatedCameraTest::SetUp();
-        if (IsSkipped())
-            return;
-        StartCamera();
-        ASSERT_EQ(Open(&camera_), RESULT_SUCCESS);
-    }
-    void TearDown() override {
-        if (camera_ != nullptr)
-            gige_->CloseCamera(camera_);
-        rytest::EmulatedCameraTest::TearDown();
-    }
-
-    RyCamera* camera_ = nullptr;
-};
+class FilesAndEvents : public rytest::OpenedCameraTest {};
 
 TEST_F(FilesAndEvents, AMegabyteFileComesBackByteExact) {
     std::vector<uint8_t> data(1 << 20);
