@@ -61,14 +61,18 @@ bool ControlChannel::Open(uint32_t localIp, uint32_t deviceIp, uint16_t devicePo
     // Start somewhere other than 1 so a device that remembers the last request of a
     // previous session does not answer a new one from its cache.
     requestId_ = static_cast<uint16_t>(Clock::now().time_since_epoch().count() | 1);
+    unlimitedAborted_.store(false);
     return socket_.Open(localIp, 0, errorText);
 }
 
 void ControlChannel::SetBudget(RequestBudget budget) {
     std::lock_guard lock(mutex_);
     budget.attempts = std::max<uint32_t>(budget.attempts, 1);
-    budget.timeoutMs = std::max<uint32_t>(budget.timeoutMs, 1);
     budget_ = budget;
+}
+
+void ControlChannel::AbortWaits() {
+    unlimitedAborted_.store(true);
 }
 
 RequestBudget ControlChannel::Budget() const {
@@ -85,12 +89,17 @@ uint16_t ControlChannel::NextRequestId() {
 // per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend.
 GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> request,
                                   uint16_t requestId, RequestBudget budget, Payload& answer) {
+    const bool unlimited = budget.timeoutMs == 0;
     const auto perAttempt = std::chrono::milliseconds(
-        std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
+        unlimited
+            ? kUnlimitedResendMs
+            : std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
     const uint16_t expectedAck = ack_code_for(static_cast<uint16_t>(command));
     std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
     socket_.Drain();
-    for (uint32_t attempt = 0; attempt < budget.attempts; ++attempt) {
+    for (uint32_t attempt = 0; unlimited || attempt < budget.attempts; ++attempt) {
+        if (unlimited && unlimitedAborted_.load())
+            return GC_ERR_ABORT;
         if (!socket_.SendTo(deviceIp_, devicePort_, request))
             return GC_ERR_IO;
         auto deadline = Clock::now() + perAttempt;

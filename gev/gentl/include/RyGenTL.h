@@ -211,7 +211,9 @@ enum ACQ_QUEUE_TYPE_LIST {
     ACQ_QUEUE_ALL_DISCARD = 4        /* both queues emptied */
 };
 
-/* System port pseudo-addresses (4-byte values). */
+/* System port pseudo-addresses (4-byte values). A time-out of 0 sets no limit: a control
+ * request is sent again every 500 ms until the device answers or the device is closed; MTU
+ * detection waits for each test packet as long as a control request may take. */
 enum RY_TL_PORT_ADDRESS {
     RY_TL_PORT_GVCP_TIMEOUT_MS = 2,      /* default 500 */
     RY_TL_PORT_MTU_OPTIMIZE = 3,         /* non-zero: DevOpenDataStream probes the packet size */
@@ -219,7 +221,9 @@ enum RY_TL_PORT_ADDRESS {
 };
 
 /* Interface port pseudo-addresses (4-byte values), applied to streams opened afterwards and
- * to running streams of the interface's devices. */
+ * to running streams of the interface's devices. A time-out of 0 sets no limit: an image time-out
+ * of 0 never closes a frame for its age (a newer frame still does), a resend time-out of 0 asks
+ * once for what a frame misses and never again on a timer. */
 enum RY_IF_PORT_ADDRESS {
     RY_IF_PORT_IMAGE_TIMEOUT_MS = 7,  /* frame closed this long after its leader; default 3000 */
     RY_IF_PORT_RESEND_TIMEOUT_MS = 8, /* wait before asking again; default 100 */

@@ -29,16 +29,12 @@ GC_ERROR ReadSystemSetting(SystemSettings& settings, uint64_t address, uint32_t&
 GC_ERROR WriteSystemSetting(SystemSettings& settings, uint64_t address, uint32_t value) {
     switch (address) {
         case RY_TL_PORT_GVCP_TIMEOUT_MS:
-            if (value == 0)
-                return GC_ERR_INVALID_PARAMETER;
             settings.gvcpTimeoutMs = value;
             return GC_ERR_SUCCESS;
         case RY_TL_PORT_MTU_OPTIMIZE:
             settings.mtuOptimize = value != 0;
             return GC_ERR_SUCCESS;
         case RY_TL_PORT_MTU_DETECT_TIMEOUT_MS:
-            if (value == 0)
-                return GC_ERR_INVALID_PARAMETER;
             settings.mtuTimeoutMs = value;
             return GC_ERR_SUCCESS;
         default:
@@ -73,13 +69,9 @@ GC_ERROR WriteInterfaceSetting(InterfaceState& state, uint64_t address, uint32_t
     stream::ReceiverSettings settings = state.StreamSettings();
     switch (address) {
         case RY_IF_PORT_IMAGE_TIMEOUT_MS:
-            if (value == 0)
-                return GC_ERR_INVALID_PARAMETER;
             settings.imageTimeoutMs = value;
             break;
         case RY_IF_PORT_RESEND_TIMEOUT_MS:
-            if (value == 0)
-                return GC_ERR_INVALID_PARAMETER;
             settings.resendTimeoutMs = value;
             break;
         case RY_IF_PORT_RESEND_ENABLE:

@@ -13,6 +13,9 @@ constexpr uint32_t kCcpExclusive = 0x1;
 constexpr uint32_t kCcpControl = 0x2;
 constexpr uint32_t kMinHeartbeatMs = 500;
 
+// What each request of a close may take when the application's setting has no limit.
+constexpr uint32_t kClosingBudgetMs = 500;
+
 }  // namespace
 
 DeviceModule::DeviceModule(std::shared_ptr<InterfaceState> iface,
@@ -104,6 +107,11 @@ GC_ERROR DeviceModule::ReleasePrivilege() {
 }
 
 void DeviceModule::Close() {
+    // A request waiting without limit must not keep the close waiting for it, and the close's
+    // own requests must end even when the device is gone.
+    control_.AbortWaits();
+    if (control_.Budget().timeoutMs == 0)
+        control_.SetBudget({kClosingBudgetMs, 3});
     if (auto stream = Stream())
         stream->Close();
     messages_.Stop();

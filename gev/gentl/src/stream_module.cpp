@@ -20,6 +20,18 @@ bool IsMulticast(uint32_t ip) {
     return (ip >> 28) == 0xE;
 }
 
+// Each size's test packet gets a quarter of the detection time-out. A detection without a
+// limit of its own waits for each packet as long as a control request may take (its
+// default when that has no limit either): the probe still has sizes to fall back on.
+uint32_t ProbeWaitMs(const SystemSettings& settings) {
+    constexpr uint32_t kDefaultRequestMs = 500;
+    const uint32_t detection = settings.mtuTimeoutMs.load();
+    if (detection != 0)
+        return std::max<uint32_t>(detection / 4, 5);
+    const uint32_t request = settings.gvcpTimeoutMs.load();
+    return request != 0 ? request : kDefaultRequestMs;
+}
+
 }  // namespace
 
 StreamModule::StreamModule(std::shared_ptr<DeviceModule> device, uint32_t channel)
@@ -112,8 +124,7 @@ uint32_t StreamModule::NegotiatePacketSize() {
         return 0;
     const uint32_t ceiling = std::min(host.mtu, kLargestPacket) & ~3u;
     const uint32_t candidates[] = {ceiling, 8192, 6000, 4000, 3000, 1500, 1400, 1000, 576};
-    const auto wait = std::chrono::milliseconds(
-        std::max<uint32_t>(device_->Settings()->mtuTimeoutMs.load() / 4, 5));
+    const auto wait = std::chrono::milliseconds(ProbeWaitMs(*device_->Settings()));
     const uint32_t scpsAddress =
         reg::stream_channel_register(reg::kStreamChannelPacketSize, channel_);
     uint32_t original = 0;

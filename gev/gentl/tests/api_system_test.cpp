@@ -120,9 +120,15 @@ TEST_F(ProducerTest, SystemPseudoAddressesKeepTheirSettings) {
     size = 2;
     EXPECT_EQ(GCReadPort(system_, 2, &value, &size), GC_ERR_INVALID_PARAMETER);
     EXPECT_EQ(GCReadPort(system_, 2, nullptr, &size), GC_ERR_INVALID_PARAMETER);
-    const uint32_t zero = 0;
-    size = 4;
-    EXPECT_EQ(GCWritePort(system_, 2, &zero, &size), GC_ERR_INVALID_PARAMETER);
+    // 0 is a setting of its own: no limit.
+    for (const uint64_t address : {2u, 4u}) {
+        const uint32_t zero = 0;
+        size = 4;
+        EXPECT_EQ(GCWritePort(system_, address, &zero, &size), GC_ERR_SUCCESS);
+        value = 1;
+        EXPECT_EQ(GCReadPort(system_, address, &value, &size), GC_ERR_SUCCESS);
+        EXPECT_EQ(value, 0u) << address;
+    }
 }
 
 TEST_F(ProducerTest, InterfacePseudoAddressesKeepTheirSettings) {
@@ -134,7 +140,7 @@ TEST_F(ProducerTest, InterfacePseudoAddressesKeepTheirSettings) {
         ASSERT_EQ(GCReadPort(iface_, address, &read, &size), GC_ERR_SUCCESS);
         EXPECT_EQ(read, value) << address;
     }
-    const std::pair<uint64_t, uint32_t> writes[] = {{7, 800}, {8, 20}, {9, 0}, {16, 1}, {17, 1}};
+    const std::pair<uint64_t, uint32_t> writes[] = {{7, 0}, {8, 0}, {9, 0}, {16, 1}, {17, 1}};
     for (const auto& [address, value] : writes) {
         size_t size = sizeof value;
         ASSERT_EQ(GCWritePort(iface_, address, &value, &size), GC_ERR_SUCCESS);

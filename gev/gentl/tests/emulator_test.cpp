@@ -242,6 +242,43 @@ TEST_F(EmulatorTest, SlowAndMalformedAnswersGiveErrorCodes) {
     faults.malformed_packets = false;
     camera.set_faults(faults);
     EXPECT_EQ(ReadBigEndian(device, 0x0000) >> 16, 2u);  // and the channel recovers
+
+    // Without a limit a request waits out a device far slower than any default time-out.
+    const uint32_t unlimited = 0;
+    size = 4;
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_GVCP_TIMEOUT_MS, &unlimited, &size), GC_ERR_SUCCESS);
+    faults.ack_delay_ms = 1200;
+    camera.set_faults(faults);
+    size = 4;
+    EXPECT_EQ(GCReadPort(device, 0x0000, &value, &size), GC_ERR_SUCCESS);
+    faults.ack_delay_ms = 0;
+    camera.set_faults(faults);
+}
+
+TEST_F(EmulatorTest, ARequestWithoutLimitEndsWhenItsDeviceCloses) {
+    emulator::Camera& camera = Start(Config("127.0.0.2", "GONE"));
+    DEV_HANDLE device = Open("127.0.0.2");
+    ASSERT_NE(device, nullptr);
+    const uint32_t unlimited = 0;
+    size_t size = 4;
+    ASSERT_EQ(GCWritePort(system_, RY_TL_PORT_GVCP_TIMEOUT_MS, &unlimited, &size), GC_ERR_SUCCESS);
+    auto faults = camera.faults();
+    faults.unplugged = true;
+    camera.set_faults(faults);
+    GC_ERROR waited = GC_ERR_SUCCESS;
+    std::thread reader([&] {
+        uint32_t value = 0;
+        size_t bytes = 4;
+        waited = GCReadPort(device, 0x0000, &value, &bytes);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_EQ(DevClose(device), GC_ERR_SUCCESS);
+    reader.join();
+    // Ended by the close, or refused because the handle was closed before it was asked.
+    EXPECT_TRUE(waited == GC_ERR_ABORT || waited == GC_ERR_INVALID_HANDLE) << waited;
+    // The close's own requests to the silent device are bounded, so the close ends.
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(15));
 }
 
 TEST_F(EmulatorTest, ForceIpMovesTheCameraToANewAddress) {

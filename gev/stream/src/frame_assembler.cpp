@@ -249,7 +249,7 @@ void FrameAssembler::AfterPacket(FrameSlot& slot, uint32_t packetId, TimePoint n
         RequestMissing(slot, slot.nextExpectedId, packetId - 1);
         if (slot.resendRounds == 0) {
             slot.resendRounds = 1;
-            slot.nextResendAt = now + std::chrono::milliseconds(settings_.resendTimeoutMs);
+            slot.nextResendAt = After(now, settings_.resendTimeoutMs);
         }
     }
     slot.nextExpectedId = std::max(slot.nextExpectedId, packetId + 1);

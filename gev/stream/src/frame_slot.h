@@ -16,6 +16,11 @@ namespace ry::gev::stream::detail {
 using Clock = std::chrono::steady_clock;
 using TimePoint = Clock::time_point;
 
+// The moment `ms` after `from`; a setting of 0 has no limit, so its moment never comes.
+inline TimePoint After(TimePoint from, uint32_t ms) {
+    return ms == 0 ? TimePoint::max() : from + std::chrono::milliseconds(ms);
+}
+
 enum class PlaceResult {
     Placed,
     Duplicate,

@@ -42,7 +42,7 @@ void FrameAssembler::Service(TimePoint now) {
 }
 
 void FrameAssembler::ServiceSlot(FrameSlot& slot, TimePoint now) {
-    if (now - slot.openedAt >= Millis(settings_.imageTimeoutMs)) {
+    if (now >= After(slot.openedAt, settings_.imageTimeoutMs)) {
         Close(slot);
         return;
     }
@@ -56,7 +56,7 @@ void FrameAssembler::ServiceSlot(FrameSlot& slot, TimePoint now) {
         return;
     }
     if (slot.resendRounds == 0) {
-        const bool silent = now - slot.lastPacketAt >= Millis(settings_.resendTimeoutMs);
+        const bool silent = now >= After(slot.lastPacketAt, settings_.resendTimeoutMs);
         if (settled || silent) {
             StartResendRound(slot, now);
         }
@@ -80,7 +80,7 @@ void FrameAssembler::StartResendRound(FrameSlot& slot, TimePoint now) {
         return;
     }
     ++slot.resendRounds;
-    slot.nextResendAt = now + Millis(settings_.resendTimeoutMs);
+    slot.nextResendAt = After(now, settings_.resendTimeoutMs);
 }
 
 uint32_t FrameAssembler::RequestMissing(FrameSlot& slot, uint32_t first, uint32_t last) {
@@ -160,13 +160,13 @@ void FrameAssembler::CloseAll(bool discard,
 // When ServiceSlot will next have something to do for this frame; mirrors its decisions so
 // the thread never wakes for nothing (or spins on a deadline it will not act upon).
 TimePoint FrameAssembler::NextActionAt(const FrameSlot& slot) const {
-    const TimePoint timeout = slot.openedAt + Millis(settings_.imageTimeoutMs);
+    const TimePoint timeout = After(slot.openedAt, settings_.imageTimeoutMs);
     const bool mayAsk = settings_.resendEnabled && !slot.resendRefused;
     TimePoint action = TimePoint::max();
     if (slot.resendDue && (!mayAsk || slot.resendRounds == 0)) {
         action = slot.lastPacketAt + kReorderGrace;
     } else if (mayAsk) {
-        action = slot.resendRounds == 0 ? slot.lastPacketAt + Millis(settings_.resendTimeoutMs)
+        action = slot.resendRounds == 0 ? After(slot.lastPacketAt, settings_.resendTimeoutMs)
                                         : slot.nextResendAt;
     }
     return std::min(timeout, action);

@@ -18,6 +18,8 @@
 namespace ry::gev::client {
 
 // How long one request may take in total, and how many times it is sent within that time.
+// A time-out of 0 sets no limit: the request is sent again every kUnlimitedResendMs until it
+// is answered or AbortWaits() is called.
 struct RequestBudget {
     uint32_t timeoutMs = 500;
     uint32_t attempts = 3;
@@ -43,6 +45,11 @@ class ControlChannel {
 
     void SetBudget(RequestBudget budget);
     RequestBudget Budget() const;
+    // For a channel whose device is closing: every request without a limit, waiting now or
+    // made later, ends with GC_ERR_ABORT; bounded requests go on as their budget says.
+    void AbortWaits();
+
+    static constexpr uint32_t kUnlimitedResendMs = 500;
 
     GC_ERROR ReadRegisters(std::span<const uint32_t> addresses, std::span<uint32_t> values);
     GC_ERROR ReadRegister(uint32_t address, uint32_t& value);
@@ -78,6 +85,7 @@ class ControlChannel {
     uint16_t devicePort_ = 0;
     mutable std::mutex mutex_;
     RequestBudget budget_;
+    std::atomic<bool> unlimitedAborted_{false};
     uint16_t requestId_ = 0;
     std::atomic<uint16_t> resendId_{1};
 };
