@@ -12,12 +12,11 @@
 // Our producer discovers the camera, so this runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-stream-compare --seconds=5
 // Other options: --fps=X (0: flat out), --address=IP (127.0.0.2), --packet-size=N (9000),
-// --emulator=PATH, --per-packet.
-// The emulator hands the kernel trains of packets (segmentation offload), which our socket
-// takes whole. A packet socket on loopback sees such a train as one oversized frame, so
-// Aravis's packet-socket mode only gets a fair run with --per-packet: the emulator then
-// sends packet by packet (sendmmsg), as it does whenever a drop fraction is set; the one
-// asked for (1e-12) drops nothing in any run.
+// --emulator=PATH, --trains.
+// The emulator sends packet by packet, as a camera does. With --trains it hands the kernel
+// trains of packets (segmentation offload), which our socket takes whole as a NIC's GRO
+// would hand them over; a packet socket on loopback sees such a train as one oversized
+// frame, so Aravis's packet-socket row means nothing in that mode.
 // (ry-camera-emulator next to this program), plus the usual --benchmark_* flags.
 #include <benchmark/benchmark.h>
 #include <net/if.h>
@@ -47,7 +46,7 @@ struct CompareOptions {
     std::string address = "127.0.0.2";
     uint32_t packetSize = 9000;
     std::string fps = "0";  // the sender's frame rate; 0 sends flat out
-    bool perPacket = false;
+    bool trains = false;
     std::string emulator;
 };
 
@@ -77,8 +76,8 @@ std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
                 options.packetSize = static_cast<uint32_t>(std::stoul(*v));
             else if (auto v = value("--fps="); v && std::stod(*v) >= 0)
                 options.fps = *v;
-            else if (arg == "--per-packet")
-                options.perPacket = true;
+            else if (arg == "--trains")
+                options.trains = true;
             else if (auto v = value("--emulator="))
                 options.emulator = *v;
             else
@@ -164,7 +163,7 @@ int main(int argc, char** argv) {
     if (!options) {
         std::fprintf(stderr,
                      "usage: ry-stream-compare [--seconds=S] [--fps=X] [--address=IP] "
-                     "[--packet-size=N] [--emulator=PATH] [--per-packet] [--benchmark_...]\n");
+                     "[--packet-size=N] [--emulator=PATH] [--trains] [--benchmark_...]\n");
         return 2;
     }
     if (!OnlyLoopbackVisible()) {
@@ -177,8 +176,8 @@ int main(int argc, char** argv) {
         std::vector<std::string> arguments{
             "--address", options->address, "--serial", "compare", "--pixel-format", "Mono8",
             "--width",   "2048",           "--height", "2048",    "--fps",          options->fps};
-        if (options->perPacket) {
-            arguments.insert(arguments.end(), {"--drop", "1e-12"});
+        if (options->trains) {
+            arguments.push_back("--segmentation-trains");
         }
         const ry::emulator::EmulatorProcess sender(options->emulator, arguments);
         std::fprintf(stderr, "sender: %s\n", sender.ReadyLines().front().c_str());

@@ -35,7 +35,9 @@ const char* usage_text() {
            "  --no-resend           ignore packet resend requests\n"
            "  --trigger-ext         name the external trigger entry \"Ext\"\n"
            "  --bind-any            bind 0.0.0.0 (one camera alone in its network namespace)\n"
-           "  --port N              control port (default 3956)\n";
+           "  --port N              control port (default 3956)\n"
+           "  --segmentation-trains hand the kernel trains of packets (benchmarks of receivers\n"
+           "                        that take them whole; a capture sees oversized datagrams)\n";
 }
 
 ProgramOptions parse_options(const std::vector<std::string>& args) {
@@ -91,6 +93,8 @@ ProgramOptions parse_options(const std::vector<std::string>& args) {
             c.trigger_entry_ext = true;
         } else if (name == "--bind-any") {
             c.bind_any = true;
+        } else if (name == "--segmentation-trains") {
+            c.segmentation_trains = true;
         } else if (name == "--port") {
             c.gvcp_port = number<std::uint16_t>(name, value());
         } else {

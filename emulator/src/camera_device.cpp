@@ -71,6 +71,7 @@ CameraDevice::CameraDevice(CameraConfig config)
         [this](std::uint16_t id, std::uint64_t block, std::uint64_t timestamp) {
             post_event(id, block, timestamp);
         });
+    streamer_->use_segmentation_trains(config_.segmentation_trains);
     init_bootstrap();
     set_faults(config_.faults);
     server_ = std::thread([this] { serve(); });

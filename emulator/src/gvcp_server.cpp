@@ -24,7 +24,13 @@ std::uint16_t status_code(GevStatus s) {
     return static_cast<std::uint16_t>(s);
 }
 
+// Write acknowledges keep their payload (reserved word and index: nothing was written)
+// whatever the status; the others carry none with an error.
 std::vector<std::uint8_t> error_ack(GevStatus status, const gev::GvcpCommandHeader& h) {
+    if (h.command == code(GvcpCommand::WriteReg))
+        return gev::make_writereg_ack(status_code(status), h.req_id, 0);
+    if (h.command == code(GvcpCommand::WriteMem))
+        return gev::make_writemem_ack(status_code(status), h.req_id, 0);
     return gev::make_ack(status_code(status), gev::ack_code_for(h.command), h.req_id);
 }
 

@@ -60,6 +60,8 @@ class Streamer {
              EventHook events);
     ~Streamer();
     Streamer(const Streamer&) = delete;
+    // Off (the default): every payload packet is a datagram of its own, as on a camera's wire.
+    void use_segmentation_trains(bool on) { gso_ok_ = on; }
     Streamer& operator=(const Streamer&) = delete;
 
     std::uint16_t source_port() const { return source_port_; }
@@ -117,7 +119,7 @@ class Streamer {
     bool hold_ = false;
     bool quit_ = false;
     std::atomic<bool> acquiring_{false};
-    bool gso_ok_ = true;
+    bool gso_ok_ = false;
     std::mt19937 random_{12345};
     std::vector<std::uint8_t> scratch_;
     std::atomic<std::int64_t> epoch_ns_{0};  // steady_clock time of tick 0

@@ -32,6 +32,8 @@ struct StreamResult {
     uint64_t failed = 0;  // delivered with any status but success
     uint64_t exact = 0;   // complete frames equal to the emulator's image, byte for byte
     guint64 resent = 0;
+    guint64 sizeMismatches = 0;
+    guint64 resendRequests = 0;
     bool sawFirst = false;
 };
 
@@ -46,8 +48,9 @@ class AravisStream : public ::testing::Test {
         return config;
     }
 
-    // Streams for about a second through ArvGvStream on its plain socket.
-    StreamResult Stream() {
+    // Streams for about a second through ArvGvStream on its plain socket, or on the packet
+    // socket that reads the link itself (as a capture does).
+    StreamResult Stream(bool packetSocket = false) {
         GError* error = nullptr;
         auto host = Own(g_inet_address_new_from_string("127.0.0.1"));
         auto address = Own(g_inet_address_new_from_string(camera_.address().c_str()));
@@ -59,7 +62,9 @@ class AravisStream : public ::testing::Test {
         EXPECT_EQ(error, nullptr) << error->message;
         if (!camera)
             return {};
-        arv_camera_gv_set_stream_options(camera.get(), ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
+        arv_camera_gv_set_stream_options(
+            camera.get(),
+            packetSocket ? ARV_GV_STREAM_OPTION_NONE : ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
         auto stream = Own(arv_camera_create_stream(camera.get(), nullptr, nullptr, &error));
         EXPECT_EQ(error, nullptr) << error->message;
         if (!stream)
@@ -87,6 +92,10 @@ class AravisStream : public ::testing::Test {
         arv_camera_stop_acquisition(camera.get(), &error);
         guint64 missing = 0;
         arv_gv_stream_get_statistics(ARV_GV_STREAM(stream.get()), &result.resent, &missing);
+        result.sizeMismatches =
+            arv_stream_get_info_uint64_by_name(stream.get(), "n_size_mismatch_errors");
+        result.resendRequests =
+            arv_stream_get_info_uint64_by_name(stream.get(), "n_resend_requests");
         return result;
     }
 
@@ -119,6 +128,17 @@ TEST_F(AravisStream, TakesCompleteByteExactFrames) {
     EXPECT_GT(result.complete, 10u);
     EXPECT_EQ(result.failed, 0u);
     EXPECT_EQ(result.exact, result.complete);
+}
+
+// A packet socket sees the link as it is: one datagram per packet, each of the size the
+// leader announced, so nothing is taken for a size mismatch or asked for again.
+TEST_F(AravisStream, APacketSocketSeesCameraSizedPacketsOnly) {
+    const StreamResult result = Stream(true);
+    EXPECT_GT(result.complete, 10u);
+    EXPECT_EQ(result.failed, 0u);
+    EXPECT_EQ(result.exact, result.complete);
+    EXPECT_EQ(result.sizeMismatches, 0u);
+    EXPECT_EQ(result.resendRequests, 0u);
 }
 
 TEST_F(AravisStream, RecoversDroppedPacketsThroughResend) {

@@ -96,5 +96,34 @@ else
     check "no malformed packets" bash -c \
         "[ \$(tshark -r $work/capture.pcapng -d udp.port==$port,gvsp -Y '_ws.malformed || _ws.expert.severity >= error' | wc -l) -eq 0 ]"
     stop_emulators
+
+    # A whole session of the SDK (discovery, open, features, a refused write, a stream,
+    # close): every GVCP and GVSP packet decodes, and the camera's packets are camera-sized.
+    sdk_probe=$bin/ry-camera-open-probe
+    if [ -x "$sdk_probe" ]; then
+        start_emulator --address 127.0.0.3 --width 320 --height 240 --fps 20 || exit 1
+        tshark -q -i lo -f udp -w "$work/session.pcapng" > "$work/tshark.out" 2>&1 &
+        capture=$!
+        for _ in $(seq 50); do grep -q Capturing "$work/tshark.out" && break; sleep 0.1; done
+        sleep 0.3
+        check "SDK session" bash -c "$sdk_probe control session | grep -qx 'open=0 close=0'"
+        sleep 0.5
+        kill -INT $capture; wait $capture
+        port=$(tshark -r "$work/session.pcapng" -Y 'udp.srcport != 3956 && udp.dstport != 3956' \
+               -T fields -e udp.dstport | sort | uniq -c | sort -rn | awk 'NR == 1 {print $2}')
+        tshark -r "$work/session.pcapng" -d udp.port==$port,gvsp > "$work/session.txt"
+        check "session: discovery, reads, writes and a refused write decode" bash -c \
+            "grep -q DISCOVERY_ACK $work/session.txt && grep -q READMEM_ACK $work/session.txt &&
+             grep -q WRITEREG_ACK $work/session.txt &&
+             [ \$(tshark -r $work/session.pcapng -Y 'gvcp.cmd.status != 0' | wc -l) -ge 1 ]"
+        check "session: every stream packet is one camera-sized datagram" bash -c \
+            "grep -q LEADER $work/session.txt && grep -q TRAILER $work/session.txt &&
+             [ \$(tshark -r $work/session.pcapng -d udp.port==$port,gvsp -Y 'gvsp && udp.length > 9000' | wc -l) -eq 0 ]"
+        check "session: no malformed packets" bash -c \
+            "[ \$(tshark -r $work/session.pcapng -d udp.port==$port,gvsp -Y '_ws.malformed || _ws.expert.severity >= error' | wc -l) -eq 0 ]"
+        stop_emulators
+    else
+        echo "SKIP $sdk_probe is not built: the SDK session capture is not run"
+    fi
 fi
 [ $failures -eq 0 ]

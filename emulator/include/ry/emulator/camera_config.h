@@ -40,6 +40,11 @@ struct CameraConfig {
     bool answer_broadcasts = true;   // also listen on 255.255.255.255:port for discovery
     std::uint32_t resend_window_blocks = 64;  // blocks kept for packet resend
     std::uint32_t pending_operation_ms = 0;   // time AcquisitionStart and file writes take
+    // Hand the kernel trains of payload packets (UDP segmentation offload) instead of one
+    // datagram per packet. Faster, but whatever reads the link itself (a packet socket, a
+    // capture) sees each train as one oversized datagram, which no camera sends: for
+    // benchmarks of receivers that take trains whole, never the default.
+    bool segmentation_trains = false;
     FaultConfig faults;
 };
 
