@@ -15,11 +15,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
-#include "private_network.h"
+#include "loop_program.h"
 #include "ry/emulator/camera.h"
 #include "rysdk/RyCamera.h"
 #include "rysdk/RyEventLog.h"
@@ -89,19 +88,8 @@ void PrintRow(const char* name, const std::vector<double>& values) {
 
 int main(int argc, char** argv) {
     int cycles = 50;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--cycles=", 9) == 0 && std::atoi(argv[i] + 9) > 0) {
-            cycles = std::atoi(argv[i] + 9);
-        } else {
-            std::fprintf(stderr, "usage: %s [--cycles=N]\n", argv[0]);
-            return 2;
-        }
-    }
-    if (!rytest::InPrivateNetwork()) {
-        std::fprintf(stderr, "%s discovers cameras: %s\n", argv[0], rytest::kPrivateNetworkAdvice);
-        return 2;
-    }
-    RYSDK::SetEventLogCallback(nullptr, nullptr);
+    if (const int status = rytest::PrepareLoopProgram(argc, argv, cycles); status != 0)
+        return status;
     ry::emulator::CameraConfig config;
     config.address = kAddress;
     const ry::emulator::Camera emulator(config);
