@@ -38,6 +38,11 @@
 #include "rysdk/RySerial.h"
 #include "rysdk/RyTypes.h"
 
+namespace RyGenApi {
+class CNodeMapRef;
+class INode;
+}  // namespace RyGenApi
+
 namespace RYSDK {
 
 class RyInterface;
@@ -290,6 +295,13 @@ class RYSDK_API RyCamera {
     int GetXML(TransportHandle device, char** data, uint32_t* size, int* zipped);
 
     void LoadPropertyList();
+    // The polling time of a node of a node map (its own, or its value node's "PollingTime"
+    // item), and of one node (-1 when it is not polled); the text of an item of a node's
+    // description.
+    static int GetPollingTime(RyGenApi::CNodeMapRef* nodeMap, const char* nodeName);
+    static RESULT GetPollingTime(RyGenApi::INode* node, int64_t* pollingTime);
+    static std::string GetNodeItemValue(RyGenApi::CNodeMapRef* nodeMap, const char* nodeName,
+                                        const char* itemName);
     // Hands a camera event to the callback registered for its identifier.
     static void EventControlCallback(char* eventName, RyGenICam::EVENT_DATA* eventData);
 

@@ -17,19 +17,6 @@ static_assert(offsetof(RyGenICam::EVENT_DATA, object) == offsetof(RY_EVENT_DATA,
 static_assert(offsetof(RyGenICam::EVENT_DATA, context) == offsetof(RY_EVENT_DATA, context));
 static_assert(offsetof(RyGenICam::EVENT_DATA, data) == offsetof(RY_EVENT_DATA, data));
 
-namespace {
-
-// The text of an item of a node's description, such as its "PollingTime".
-std::string NodeItemValue(RyGenApi::CNodeMapRef& map, const char* nodeName, const char* item) {
-    RyGenApi::INode* node = map._GetNode(nodeName);
-    std::string value, attribute;
-    if (node == nullptr || !node->GetProperty(item, value, attribute))
-        return {};
-    return value;
-}
-
-}  // namespace
-
 // The transport layer calls this with the camera as the route's context.
 void RyCamera::EventControlCallback(char* eventName, RyGenICam::EVENT_DATA* eventData) {
     if (eventData == nullptr || eventData->context == nullptr)
@@ -95,13 +82,16 @@ RESULT RyCamera::SetEventControlCallback(uint32_t eventId, const char* /*eventNa
 }
 
 int RyCamera::GetPollingTime(const char* nodeName) {
+    return m_Shared->nodeMap ? GetPollingTime(&m_Shared->nodeMap->map, nodeName) : 0;
+}
+
+int RyCamera::GetPollingTime(RyGenApi::CNodeMapRef* nodeMap, const char* nodeName) {
     RY_CAMERA_SITE(GetPollingTime);
     int pollingTime = 0;
     RY_GUARDED(kSite, [&] {
-        if (!m_Shared->nodeMap || nodeName == nullptr)
-            return RESULT_ERROR_XML_NODE_ACCESS_FAILED;
-        RyGenApi::CNodeMapRef& map = m_Shared->nodeMap->map;
-        RyGenApi::INode* node = map._GetNode(nodeName);
+        if (nodeMap == nullptr || nodeName == nullptr)
+            return RESULT_ERROR_INVALID_PARAMETER;
+        RyGenApi::INode* node = nodeMap->_GetNode(nodeName);
         if (node == nullptr)
             return RESULT_ERROR_XML_NOT_EXIST_NODE;
         if (node->GetPollingTime() != -1) {
@@ -109,12 +99,31 @@ int RyCamera::GetPollingTime(const char* nodeName) {
             return RESULT_SUCCESS;
         }
         // A feature that is not polled itself takes the polling time of its value node.
-        const std::string valueNode = NodeItemValue(map, nodeName, "pValue");
+        const std::string valueNode = GetNodeItemValue(nodeMap, nodeName, "pValue");
         if (!valueNode.empty())
-            pollingTime = std::atoi(NodeItemValue(map, valueNode.c_str(), "PollingTime").c_str());
+            pollingTime =
+                std::atoi(GetNodeItemValue(nodeMap, valueNode.c_str(), "PollingTime").c_str());
         return RESULT_SUCCESS;
     });
     return pollingTime;
+}
+
+RESULT RyCamera::GetPollingTime(RyGenApi::INode* node, int64_t* pollingTime) {
+    if (node == nullptr || pollingTime == nullptr)
+        return RESULT_ERROR_INVALID_PARAMETER;
+    *pollingTime = node->GetPollingTime();
+    return RESULT_SUCCESS;
+}
+
+std::string RyCamera::GetNodeItemValue(RyGenApi::CNodeMapRef* nodeMap, const char* nodeName,
+                                       const char* itemName) {
+    if (nodeMap == nullptr || nodeName == nullptr || itemName == nullptr)
+        return {};
+    RyGenApi::INode* node = nodeMap->_GetNode(nodeName);
+    std::string value, attribute;
+    if (node == nullptr || !node->GetProperty(itemName, value, attribute))
+        return {};
+    return value;
 }
 
 }  // namespace RYSDK

@@ -192,6 +192,12 @@ TEST_F(SerialChannel, BadAnswersEndInAnErrorWithinTheLimit) {
     EXPECT_EQ(serial_->ReadData(answer, sizeof(answer)), GC_ERR_ERROR);
     EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(3000));
 
+    // A command longer than the camera's transmit block is refused; the channel goes on.
+    scriptReceive = false;
+    EXPECT_NE(serial_->WriteData(std::string(2000, 'x').c_str()), 0);
+    EXPECT_NE(serial_->GetCameraTemperature(), nullptr);
+
+    scriptReceive = true;
     const std::string good = "gct\n23.5\r\n>";
     scriptedReceive.assign(good.begin(), good.end());
     EXPECT_EQ(serial_->ReadData(answer, sizeof(answer)), GC_ERR_SUCCESS);

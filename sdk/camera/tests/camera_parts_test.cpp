@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "TestSupport.h"
 #include "acquisition/buffer_table.h"
 #include "acquisition/pixel_format_catalogue.h"
 #include "camera/general_events.h"
@@ -93,6 +94,39 @@ TEST(PixelFormatCatalogue, SearchesStopAtTheFirstWholeMatch) {
     EXPECT_EQ(PixelFormatNameOf(0x12345678), nullptr);
     EXPECT_EQ(PixelFormatBits(PIXEL_FORMAT_MONO12), 16u);
     EXPECT_EQ(PixelFormatBits(PIXEL_FORMAT_YUV41110PACKED), 18u);
+}
+
+}  // namespace
+}  // namespace RYSDK
+
+namespace RYSDK {
+namespace {
+
+// Reaches the camera's node map helpers, which take the node map's own types.
+struct NodeMapHelpers : RyCamera {
+    using RyCamera::GetNodeItemValue;
+    using RyCamera::GetPollingTime;
+};
+
+TEST(PollingTime, AFeatureTakesItsValueNodesWhenItHasNoneOfItsOwn) {
+    RyGenApi::testing::Fixture fixture(R"(
+        <Integer Name="Temperature"><pValue>TemperatureReg</pValue></Integer>
+        <IntReg Name="TemperatureReg"><Address>0x100</Address><Length>4</Length>
+          <AccessMode>RO</AccessMode><pPort>Device</pPort><PollingTime>1000</PollingTime>
+          <Endianess>BigEndian</Endianess></IntReg>
+        <Integer Name="Counter"><PollingTime>250</PollingTime><Value>3</Value></Integer>
+        <Integer Name="Plain"><Value>1</Value></Integer>)");
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(&fixture.map, "Temperature"), 1000);
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(&fixture.map, "Counter"), 250);
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(&fixture.map, "Plain"), 0);
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(&fixture.map, "Missing"), 0);
+    EXPECT_EQ(NodeMapHelpers::GetNodeItemValue(&fixture.map, "Temperature", "pValue"),
+              "TemperatureReg");
+    int64_t polling = 0;
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(fixture.map._GetNode("Plain"), &polling),
+              RESULT_SUCCESS);
+    EXPECT_EQ(polling, -1);
+    EXPECT_EQ(NodeMapHelpers::GetPollingTime(nullptr, &polling), RESULT_ERROR_INVALID_PARAMETER);
 }
 
 }  // namespace
