@@ -6,7 +6,7 @@
 #include "nodes/FormulaNodes.h"
 #include "nodes/NodeMapImpl.h"
 #include "nodes/NumericNodes.h"
-#include "nodes/OtherNodes.h"
+#include "nodes/NodeKinds.h"
 #include "nodes/RegisterNodes.h"
 
 namespace RyGenApi::detail {

@@ -1,7 +1,7 @@
 #include "nodes/NodeMapImpl.h"
 
 #include "loader/Loader.h"
-#include "nodes/OtherNodes.h"
+#include "nodes/NodeKinds.h"
 
 namespace RyGenApi::detail {
 

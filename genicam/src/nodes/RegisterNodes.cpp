@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "loader/Loader.h"
+#include "nodes/NodeKinds.h"
 #include "nodes/NodeMapImpl.h"
-#include "nodes/OtherNodes.h"
 
 namespace RyGenApi::detail {
 
