@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 
 #include "TestSupport.h"
 
@@ -89,6 +90,35 @@ TEST(Corpus, KnownFeaturesOfRealFiles) {
     // A text line before the declaration.
     CNodeMapRef alvium;
     EXPECT_NO_THROW(alvium._LoadXMLFromFile(dir + "/Allied_Vision_1800_U-811m.xml"));
+}
+
+// Features without a range of their own that reach their value through a selector-indexed
+// node report the range of the node the selector picks, as their files declare it.
+TEST(Corpus, RangesFollowTheNodeTheIndexSelects) {
+    const std::string file = std::string(RY_GENICAM_CORPUS_DIR) + "/Basler-a2A2600-20gmBAS.xml";
+    if (!std::filesystem::exists(file)) {
+        GTEST_SKIP();
+    }
+    CNodeMapRef basler;
+    basler._LoadXMLFromFile(file);
+    MemoryPort port;
+    basler._Connect(&port);
+    auto* binning = dynamic_cast<IInteger*>(basler._GetNode("BinningHorizontal"));
+    ASSERT_NE(binning, nullptr);
+    EXPECT_EQ(binning->GetMin(), 1);
+    EXPECT_EQ(binning->GetMax(), 4);
+    EXPECT_EQ(binning->GetInc(), 1);
+    for (const char* name : {"ActionGroupKey", "ActionGroupMask", "TriggerDelay"}) {
+        INode* node = basler._GetNode(name);
+        ASSERT_NE(node, nullptr) << name;
+        if (auto* integer = dynamic_cast<IInteger*>(node)) {
+            EXPECT_GT(integer->GetMin(), std::numeric_limits<int64_t>::min()) << name;
+            EXPECT_LT(integer->GetMax(), std::numeric_limits<int64_t>::max()) << name;
+        } else if (auto* floating = dynamic_cast<IFloat*>(node)) {
+            EXPECT_GT(floating->GetMin(), std::numeric_limits<double>::lowest()) << name;
+            EXPECT_LT(floating->GetMax(), std::numeric_limits<double>::max()) << name;
+        }
+    }
 }
 
 TEST(Corpus, DumpToolPrintsOneLinePerNode) {

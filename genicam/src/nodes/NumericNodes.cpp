@@ -101,6 +101,11 @@ NumericNode::Row& NumericNode::CurrentSource() const {
     return default_;
 }
 
+Node* NumericNode::BoundSource() const {
+    const Row& source = indexed_ ? CurrentSource() : plain_;
+    return source.ref ? source.ref.node : nullptr;
+}
+
 Number NumericNode::Convert(Number value) const {
     return isReal_ ? Number::Real(value.AsReal()) : Number::Integer(value.AsInteger(name_));
 }
@@ -146,8 +151,8 @@ Number NumericNode::MinNumber() {
     if (min_.present) {
         return Convert(min_.Get());
     }
-    if (plain_.ref) {
-        return Convert(plain_.ref.node->MinNumber());
+    if (Node* source = BoundSource()) {
+        return Convert(source->MinNumber());
     }
     return isReal_ ? Number::Real(std::numeric_limits<double>::lowest())
                    : Number::Integer(std::numeric_limits<int64_t>::min());
@@ -157,8 +162,8 @@ Number NumericNode::MaxNumber() {
     if (max_.present) {
         return Convert(max_.Get());
     }
-    if (plain_.ref) {
-        return Convert(plain_.ref.node->MaxNumber());
+    if (Node* source = BoundSource()) {
+        return Convert(source->MaxNumber());
     }
     return isReal_ ? Number::Real(std::numeric_limits<double>::max())
                    : Number::Integer(std::numeric_limits<int64_t>::max());
@@ -168,16 +173,17 @@ bool NumericNode::HasIncrement() {
     if (!isReal_) {
         return true;
     }
-    return inc_.present || (plain_.ref && plain_.ref.node->HasIncrement() &&
-                            plain_.ref.node->GetPrincipalInterfaceType() == intfIFloat);
+    Node* source = inc_.present ? nullptr : BoundSource();
+    return inc_.present || (source != nullptr && source->HasIncrement() &&
+                            source->GetPrincipalInterfaceType() == intfIFloat);
 }
 
 Number NumericNode::IncNumber() {
     Number increment = Number::Integer(1);
     if (inc_.present) {
         increment = inc_.Get();
-    } else if (plain_.ref) {
-        increment = plain_.ref.node->IncNumber();
+    } else if (Node* source = BoundSource()) {
+        increment = source->IncNumber();
     }
     increment = Convert(increment);
     if (increment.AsReal() <= 0) {
@@ -190,14 +196,13 @@ ERepresentation NumericNode::RepresentationValue() {
     if (presentation_.representation) {
         return *presentation_.representation;
     }
-    return plain_.ref ? plain_.ref.node->RepresentationValue() : PureNumber;
+    Node* source = BoundSource();
+    return source != nullptr ? source->RepresentationValue() : PureNumber;
 }
 
 std::string NumericNode::UnitValue() {
-    if (!presentation_.unit.empty() || !plain_.ref) {
-        return std::string(presentation_.unit);
-    }
-    return plain_.ref.node->UnitValue();
+    Node* source = presentation_.unit.empty() ? BoundSource() : nullptr;
+    return source != nullptr ? source->UnitValue() : std::string(presentation_.unit);
 }
 
 }  // namespace RyGenApi::detail

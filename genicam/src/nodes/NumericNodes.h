@@ -44,6 +44,9 @@ class NumericNode : public Node {
     };
     // The value source in effect now: the row chosen by the index, or the plain source.
     Row& CurrentSource() const;
+    // The node whose range, increment, representation and unit this one reports when it
+    // declares none of its own: its pValue, or the node its index selects now.
+    Node* BoundSource() const;
     Number Convert(Number value) const;
     Number ParseNumberText(const xml::Element& child, Loader& loader) const;
 
