@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
 #include "private_network.h"
@@ -75,6 +76,29 @@ TEST_F(AravisFakeCamera, OpensReadsItsFeaturesAndClosesCleanly) {
     int32_t properties = 0;
     EXPECT_EQ(camera->GetPropertyCount(&properties), RESULT_SUCCESS);
     EXPECT_GT(properties, 5);
+    // Its features answer reads and writes through the typed accessors.
+    EXPECT_EQ(camera->SetWidth(320), RESULT_SUCCESS);
+    EXPECT_EQ(camera->SetHeight(240), RESULT_SUCCESS);
+    EXPECT_EQ(camera->GetWidth(&width), RESULT_SUCCESS);
+    EXPECT_EQ(camera->GetHeight(&height), RESULT_SUCCESS);
+    EXPECT_EQ(width, 320u);
+    EXPECT_EQ(height, 240u);
+    PIXEL_FORMAT format{};
+    EXPECT_EQ(camera->GetPixelFormat(&format), RESULT_SUCCESS);
+    unsigned int formats = 0;
+    ASSERT_EQ(camera->GetPixelFormatLineupNum(&formats), RESULT_SUCCESS);
+    EXPECT_GT(formats, 0u);
+    PIXEL_FORMAT offered = format;
+    EXPECT_EQ(camera->GetPixelFormatLineup(formats - 1, &offered), RESULT_SUCCESS);
+    EXPECT_EQ(camera->SetPixelFormat(offered), RESULT_SUCCESS);
+    EXPECT_EQ(camera->GetPixelFormat(&format), RESULT_SUCCESS);
+    EXPECT_EQ(format, offered);
+    // Its gain is the older raw integer feature.
+    char gain[32] = {};
+    uint64_t size = sizeof(gain);
+    EXPECT_EQ(camera->SetCustomCommand("GainRaw", "2", 0), RESULT_SUCCESS);
+    EXPECT_EQ(camera->GetCustomCommand("GainRaw", gain, &size), RESULT_SUCCESS);
+    EXPECT_EQ(std::atof(gain), 2.0) << gain;
     const auto began = std::chrono::steady_clock::now();
     EXPECT_EQ(gige.CloseCamera(camera), RESULT_SUCCESS);
     EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(1));
