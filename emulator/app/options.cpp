@@ -36,6 +36,7 @@ const char* usage_text() {
            "  --trigger-ext         name the external trigger entry \"Ext\"\n"
            "  --bind-any            bind 0.0.0.0 (one camera alone in its network namespace)\n"
            "  --port N              control port (default 3956)\n"
+           "  --feature NAME=VARIANT present a feature as missing, read-only or not-available\n"
            "  --segmentation-trains hand the kernel trains of packets (benchmarks of receivers\n"
            "                        that take them whole; a capture sees oversized datagrams)\n";
 }
@@ -93,6 +94,20 @@ ProgramOptions parse_options(const std::vector<std::string>& args) {
             c.trigger_entry_ext = true;
         } else if (name == "--bind-any") {
             c.bind_any = true;
+        } else if (name == "--feature") {
+            const std::string spec = value();
+            const auto equals = spec.find('=');
+            const std::string variant = equals == std::string::npos ? "" : spec.substr(equals + 1);
+            static const std::map<std::string, FeatureVariant> kVariants = {
+                {"missing", FeatureVariant::Missing},
+                {"read-only", FeatureVariant::ReadOnly},
+                {"not-available", FeatureVariant::NotAvailable}};
+            const auto found = kVariants.find(variant);
+            if (equals == 0 || found == kVariants.end()) {
+                throw std::invalid_argument(
+                    "--feature takes NAME=missing, NAME=read-only or NAME=not-available");
+            }
+            c.feature_variants[spec.substr(0, equals)] = found->second;
         } else if (name == "--segmentation-trains") {
             c.segmentation_trains = true;
         } else if (name == "--port") {

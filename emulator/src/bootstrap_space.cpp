@@ -72,7 +72,7 @@ void CameraDevice::init_bootstrap() {
     set_boot_text(bs::kManufacturerInfo, bs::kManufacturerInfoSize, "Virtual GigE Vision camera");
     set_boot_text(bs::kSerialNumber, bs::kSerialNumberSize, config_.serial);
     const StoredDescription stored =
-        store_description(camera_xml_text(config_.trigger_entry_ext), config_.xml_form);
+        store_description(camera_xml_text(config_.trigger_entry_ext, config_.feature_variants), config_.xml_form);
     set_boot_text(bs::kFirstUrl, bs::kUrlSize,
                   local_url(stored.file_name, reg::kXmlAddress, xml_.size()));
     set_boot(bs::kNetworkInterfaceCount, 1);

@@ -54,7 +54,7 @@ CameraDevice::CameraDevice(CameraConfig config)
         const double zero = 0.0;
         std::memcpy(&gain, &zero, sizeof zero);
     }
-    xml_ = store_description(camera_xml_text(config_.trigger_entry_ext), config_.xml_form).bytes;
+    xml_ = store_description(camera_xml_text(config_.trigger_entry_ext, config_.feature_variants), config_.xml_form).bytes;
     if (xml_.size() > reg::kXmlRegionSize) {
         throw std::runtime_error("the GenICam description does not fit its memory region");
     }

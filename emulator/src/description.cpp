@@ -116,8 +116,54 @@ std::vector<std::uint8_t> utf16le_with_bom(const std::string& text) {
 
 }  // namespace
 
-std::string camera_xml_text(bool trigger_entry_ext) {
+namespace {
+
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+}
+
+// Puts `item` as the first child of the element that declares `name`.
+void AddItem(std::string& xml, const std::string& name, const std::string& item) {
+    const auto declared = xml.find(" Name=\"" + name + "\"");
+    if (declared == std::string::npos)
+        return;
+    const auto opened = xml.find('>', declared);
+    if (opened != std::string::npos)
+        xml.insert(opened + 1, "\n    " + item);
+}
+
+void ApplyVariant(std::string& xml, const std::string& name, FeatureVariant variant) {
+    switch (variant) {
+        case FeatureVariant::Missing:
+            // Renamed rather than removed, so that nothing referring to it dangles.
+            ReplaceAll(xml, "Name=\"" + name + "\"", "Name=\"" + name + "Absent\"");
+            ReplaceAll(xml, ">" + name + "<", ">" + name + "Absent<");
+            break;
+        case FeatureVariant::ReadOnly:
+            AddItem(xml, name, "<ImposedAccessMode>RO</ImposedAccessMode>");
+            break;
+        case FeatureVariant::NotAvailable:
+            AddItem(xml, name, "<pIsAvailable>EmulatorNeverAvailable</pIsAvailable>");
+            break;
+    }
+}
+
+}  // namespace
+
+std::string camera_xml_text(bool trigger_entry_ext,
+                            const std::map<std::string, FeatureVariant>& variants) {
     std::string xml(reinterpret_cast<const char*>(kCameraXml), kCameraXmlSize);
+    if (!variants.empty()) {
+        for (const auto& [name, variant] : variants)
+            ApplyVariant(xml, name, variant);
+        const auto end = xml.rfind("</RegisterDescription>");
+        if (end != std::string::npos) {
+            xml.insert(end,
+                       "  <Integer Name=\"EmulatorNeverAvailable\">\n    <Value>0</Value>\n"
+                       "  </Integer>\n");
+        }
+    }
     if (trigger_entry_ext) {
         const std::string from = "<EnumEntry Name=\"External\"";
         const auto at = xml.find(from);

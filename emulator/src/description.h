@@ -11,7 +11,8 @@
 namespace ry::emulator {
 
 // The description text as written for this camera (trigger entry renamed when asked).
-std::string camera_xml_text(bool trigger_entry_ext);
+std::string camera_xml_text(bool trigger_entry_ext,
+                            const std::map<std::string, FeatureVariant>& variants = {});
 
 struct StoredDescription {
     std::vector<std::uint8_t> bytes;  // what device memory holds

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,6 +13,13 @@ namespace ry::emulator {
 enum class XmlForm { Zip, Plain, Utf8Bom, Utf16Bom };
 
 std::optional<XmlForm> xml_form_from_name(const std::string& name);  // zip|plain|utf8-bom|utf16-bom
+
+// How the description presents one feature, for tests of cameras that differ from this one.
+enum class FeatureVariant {
+    Missing,       // the description has no node of that name
+    ReadOnly,      // the node is read-only whatever its register allows
+    NotAvailable,  // the node is there but not available
+};
 
 // Faults a test can switch on at any time (Camera::set_faults).
 struct FaultConfig {
@@ -36,8 +44,9 @@ struct CameraConfig {
     double fps = 30.0;  // 0: as fast as possible
     XmlForm xml_form = XmlForm::Zip;
     bool trigger_entry_ext = false;  // name the external trigger entry "Ext" instead of "External"
-    std::uint16_t gvcp_port = 3956;  // tests may move the control port (0: any free port)
-    bool answer_broadcasts = true;   // also listen on 255.255.255.255:port for discovery
+    std::map<std::string, FeatureVariant> feature_variants;  // by feature name
+    std::uint16_t gvcp_port = 3956;           // tests may move the control port (0: any free port)
+    bool answer_broadcasts = true;            // also listen on 255.255.255.255:port for discovery
     std::uint32_t resend_window_blocks = 64;  // blocks kept for packet resend
     std::uint32_t pending_operation_ms = 0;   // time AcquisitionStart and file writes take
     // Hand the kernel trains of payload packets (UDP segmentation offload) instead of one
