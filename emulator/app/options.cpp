@@ -36,7 +36,8 @@ const char* usage_text() {
            "  --trigger-ext         name the external trigger entry \"Ext\"\n"
            "  --bind-any            bind 0.0.0.0 (one camera alone in its network namespace)\n"
            "  --port N              control port (default 3956)\n"
-           "  --feature NAME=VARIANT present a feature as missing, read-only or not-available\n"
+           "  --feature NAME=VARIANT present a feature as missing, read-only, not-available or\n"
+           "                        integer (a Float described as an Integer)\n"
            "  --segmentation-trains hand the kernel trains of packets (benchmarks of receivers\n"
            "                        that take them whole; a capture sees oversized datagrams)\n";
 }
@@ -101,11 +102,13 @@ ProgramOptions parse_options(const std::vector<std::string>& args) {
             static const std::map<std::string, FeatureVariant> kVariants = {
                 {"missing", FeatureVariant::Missing},
                 {"read-only", FeatureVariant::ReadOnly},
-                {"not-available", FeatureVariant::NotAvailable}};
+                {"not-available", FeatureVariant::NotAvailable},
+                {"integer", FeatureVariant::AsInteger}};
             const auto found = kVariants.find(variant);
             if (equals == 0 || found == kVariants.end()) {
                 throw std::invalid_argument(
-                    "--feature takes NAME=missing, NAME=read-only or NAME=not-available");
+                    "--feature takes NAME=missing, NAME=read-only, NAME=not-available or "
+                    "NAME=integer");
             }
             c.feature_variants[spec.substr(0, equals)] = found->second;
         } else if (name == "--segmentation-trains") {

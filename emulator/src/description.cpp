@@ -146,6 +146,15 @@ void ApplyVariant(std::string& xml, const std::string& name, FeatureVariant vari
         case FeatureVariant::NotAvailable:
             AddItem(xml, name, "<pIsAvailable>EmulatorNeverAvailable</pIsAvailable>");
             break;
+        case FeatureVariant::AsInteger: {
+            const auto start = xml.find("<Float Name=\"" + name + "\"");
+            const auto end = start == std::string::npos ? start : xml.find("</Float>", start);
+            if (end != std::string::npos) {
+                xml.replace(end, 8, "</Integer>");
+                xml.replace(start, 6, "<Integer");
+            }
+            break;
+        }
     }
 }
 

@@ -82,4 +82,21 @@ TEST_F(FeatureVariants, AFeatureNotAvailableNowIsRefused) {
     EXPECT_EQ(gige_->CloseCamera(camera), RESULT_SUCCESS);
 }
 
+TEST_F(FeatureVariants, GainWorksAsAnIntegerFeatureToo) {
+    RyCamera* camera = OpenWith({{"Gain", FeatureVariant::AsInteger}});
+    ASSERT_NE(camera, nullptr);
+    _PROPERTY property{};
+    ASSERT_EQ(camera->GetPropertyInfo("Gain", &property), RESULT_SUCCESS);
+    EXPECT_EQ(property.type, 2u) << "an integer feature";
+    EXPECT_EQ(camera->SetGain(GAIN_SEL_GREEN, 6.7f), RESULT_SUCCESS);
+    GAIN_SEL selector = GAIN_SEL_ALL;
+    float gain = 0;
+    ASSERT_EQ(camera->GetGain(&selector, &gain), RESULT_SUCCESS);
+    EXPECT_EQ(selector, GAIN_SEL_GREEN);
+    EXPECT_FLOAT_EQ(gain, 6.0f) << "an integer gain takes the value truncated";
+    EXPECT_EQ(camera->SetGain(GAIN_SEL_GREEN, 49.0f), RESULT_ERROR_INVALID_PARAMETER)
+        << "the integer node's own range applies";
+    EXPECT_EQ(gige_->CloseCamera(camera), RESULT_SUCCESS);
+}
+
 }  // namespace

@@ -19,6 +19,7 @@ enum class FeatureVariant {
     Missing,       // the description has no node of that name
     ReadOnly,      // the node is read-only whatever its register allows
     NotAvailable,  // the node is there but not available
+    AsInteger,     // a Float feature is described as an Integer over the same register
 };
 
 // Faults a test can switch on at any time (Camera::set_faults).
