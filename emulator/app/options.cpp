@@ -96,9 +96,10 @@ ProgramOptions parse_options(const std::vector<std::string>& args) {
         } else if (name == "--bind-any") {
             c.bind_any = true;
         } else if (name == "--feature") {
-            const std::string spec = value();
-            const auto equals = spec.find('=');
-            const std::string variant = equals == std::string::npos ? "" : spec.substr(equals + 1);
+            const std::string setting = value();
+            const auto equals = setting.find('=');
+            const std::string variant =
+                equals == std::string::npos ? "" : setting.substr(equals + 1);
             static const std::map<std::string, FeatureVariant> kVariants = {
                 {"missing", FeatureVariant::Missing},
                 {"read-only", FeatureVariant::ReadOnly},
@@ -110,7 +111,7 @@ ProgramOptions parse_options(const std::vector<std::string>& args) {
                     "--feature takes NAME=missing, NAME=read-only, NAME=not-available or "
                     "NAME=integer");
             }
-            c.feature_variants[spec.substr(0, equals)] = found->second;
+            c.feature_variants[setting.substr(0, equals)] = found->second;
         } else if (name == "--segmentation-trains") {
             c.segmentation_trains = true;
         } else if (name == "--port") {
