@@ -1,8 +1,9 @@
 // ry-camera-feature-bench: what one feature access costs through the SDK beside Aravis, on
-// one emulated camera in the same run: a read the node map answers from its cache, a read
-// that goes to the camera (one register round trip), a write with verification, and a read
-// by name; Aravis's arv_camera_get_integer and arv_device_get_integer_feature_value for the
-// same feature. Each figure is the median over batches, in microseconds per access.
+// one emulated camera in the same run: a read, a read after the node map dropped its cache,
+// a write with verification, and a read by name (the emulator marks its registers NoCache,
+// so its reads always go to the camera: one register round trip); Aravis's arv_camera_get_integer
+// and arv_device_get_integer_feature_value for the same feature. Each figure is the median over
+// batches, in microseconds per access.
 //   bash scripts/in-private-net.sh build/bin/ry-camera-feature-bench [--cycles=N]
 #include <arv.h>
 
@@ -88,8 +89,8 @@ int main(int argc, char** argv) {
 
     std::printf("feature access, microseconds per call (median of %d batches of %d)\n", batches,
                 kPerBatch);
-    std::printf("%-40s %9.3f\n", "ours GetWidth, cached", cached);
-    std::printf("%-40s %9.3f\n", "ours GetWidth, from the camera", uncached);
+    std::printf("%-40s %9.3f\n", "ours GetWidth", cached);
+    std::printf("%-40s %9.3f\n", "ours GetWidth after InvalidateNodes", uncached);
     std::printf("%-40s %9.3f\n", "ours SetWidth, with verification", write);
     std::printf("%-40s %9.3f\n", "ours GetCustomCommand(\"Width\")", byName);
     std::printf("%-40s %9.3f\n", "aravis arv_camera_get_integer", aravisCamera);
