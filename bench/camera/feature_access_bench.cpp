@@ -62,14 +62,14 @@ int main(int argc, char** argv) {
         camera->InvalidateNodes();
         camera->GetWidth(&width);
     });
+    const double byName = MedianMicroseconds(batches, [&] {
+        uint64_t size = sizeof(text);
+        camera->GetCustomCommand("Width", text, &size);
+    });
     unsigned int next = 640;
     const double write = MedianMicroseconds(batches, [&] {
         next = next == 640 ? 644 : 640;
         camera->SetWidth(next);
-    });
-    const double byName = MedianMicroseconds(batches, [&] {
-        uint64_t size = sizeof(text);
-        camera->GetCustomCommand("Width", text, &size);
     });
     gige.CloseCamera(camera);
 
