@@ -121,15 +121,27 @@ std::vector<RyGenApi::IEnumEntry*> Offered(IEnumeration& node) {
 
 }  // namespace
 
-RESULT StandardFeature::Lineup(unsigned int index, int64_t* value) const {
+RESULT StandardFeature::CheckOutput(const void* out, const wchar_t* nullText) const {
+    const RESULT result = access_.CheckNodeMap();
+    if (result != RESULT_SUCCESS || out != nullptr)
+        return result;
+    RY_LOG_EVENT(access_.Site(), core::kLogErr, L"%ls", nullText);
+    return RESULT_ERROR_INVALID_PARAMETER;
+}
+
+RESULT StandardFeature::Lineup(unsigned int index, int64_t* value,
+                               RyGenApi::IEnumEntry** entry) const {
     IEnumeration* node = nullptr;
     const RESULT result = ForReading(value, node);
     if (result != RESULT_SUCCESS)
         return result;
     const auto offered = Offered(*Node<IEnumeration>());
     // A position past the offered entries is no error: the caller's value stays.
-    if (index < offered.size())
+    if (index < offered.size()) {
         *value = offered[index]->GetValue();
+        if (entry != nullptr)
+            *entry = offered[index];
+    }
     RY_LOG_EVENT(access_.Site(), core::kLogDebug, L"nIndex(%d) nValue(%d)", index,
                  static_cast<int>(*value));
     return RESULT_SUCCESS;

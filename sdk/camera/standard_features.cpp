@@ -2,6 +2,7 @@
 // ways it departs from the common steps (sdk/camera/standard_features.h).
 #include "camera/standard_features.h"
 #include "camera/camera_log.h"
+#include "core/platform/text.h"
 #include "rysdk/RyCamera.h"
 
 namespace RYSDK {
@@ -42,23 +43,19 @@ RESULT ReadEnumeration(const StandardFeature& feature, Out* out) {
 
 template <typename Out>
 RESULT ReadLineup(const StandardFeature& feature, unsigned int index, Out* out) {
-    if (out == nullptr) {
-        RY_LOG_EVENT(feature.Site(), kLogErr, L"pnValue is invalid");
-        return RESULT_ERROR_INVALID_PARAMETER;
-    }
+    RESULT result = feature.CheckOutput(out, L"pnValue is invalid");
+    if (result != RESULT_SUCCESS)
+        return result;
     int64_t value = static_cast<int64_t>(*out);
-    const RESULT result = feature.Lineup(index, &value);
+    result = feature.Lineup(index, &value);
     if (result == RESULT_SUCCESS)
         *out = static_cast<Out>(value);
     return result;
 }
 
 RESULT ReadLineupCount(const StandardFeature& feature, unsigned int* count) {
-    if (count == nullptr) {
-        RY_LOG_EVENT(feature.Site(), kLogErr, L"pnIndex is NULL");
-        return RESULT_ERROR_INVALID_PARAMETER;
-    }
-    return feature.LineupCount(count);
+    const RESULT result = feature.CheckOutput(count, L"pnIndex is NULL");
+    return result == RESULT_SUCCESS ? feature.LineupCount(count) : result;
 }
 
 // The availability test some writers make before their write.
@@ -89,10 +86,13 @@ struct SelectorAndValue {
     const char* valueName;
 
     RESULT Write(int64_t selector, double value, bool integerOnly) const {
+        const camera::FeatureAccess access(shared, site);
         const StandardFeature selectorFeature(shared, site, selectorName, kHandleOnMissing);
         const StandardFeature valueFeature(shared, site, valueName, kHandleOnMissing);
         IEnumeration* selectorNode = nullptr;
-        RESULT result = selectorFeature.Find(selectorNode);
+        RESULT result = access.CheckNodeMap();
+        if (result == RESULT_SUCCESS)
+            result = selectorFeature.Find(selectorNode);
         RyGenApi::INode* valueNode = nullptr;
         if (result == RESULT_SUCCESS)
             result = valueFeature.Find(valueNode);
@@ -108,13 +108,16 @@ struct SelectorAndValue {
             minimum = floating->GetMin();
             maximum = floating->GetMax();
         }
-        if (valueNode->GetAccessMode() == RyGenApi::RO ||
-            selectorNode->GetAccessMode() == RyGenApi::RO) {
-            RY_LOG_EVENT(site, kLogErr, L"AccessMode == R0");
-            return RESULT_ERROR_RYCAMERA_READ_ONLY;
-        }
-        if (value < minimum || value > maximum)
+        result = access.CheckNotReadOnly(*valueNode, valueName);
+        if (result == RESULT_SUCCESS)
+            result = access.CheckNotReadOnly(*selectorNode, selectorName);
+        if (result != RESULT_SUCCESS)
+            return result;
+        if (value < minimum || value > maximum) {
+            RY_LOG_EVENT(site, kLogErr, L"%ls(%f) is out of range [%f, %f]",
+                         core::Widen(valueName).c_str(), value, minimum, maximum);
             return RESULT_ERROR_INVALID_PARAMETER;
+        }
         selectorFeature.Node<IEnumeration>()->SetIntValue(selector, true);
         if (integer != nullptr)
             valueFeature.Node<IInteger>()->SetValue(static_cast<int64_t>(value), true);
@@ -138,11 +141,15 @@ RESULT RyCamera::SetTriggerMode(int mode) {
 RESULT RyCamera::GetTriggerMode(int* mode) {
     RY_FEATURE(GetTriggerMode, "TriggerMode");
     return RY_GUARDED(kSite, [&] {
-        if (mode == nullptr && m_Shared->nodeMap) {
-            RY_LOG_EVENT(kSite, kLogErr, L"pbTriggerMode is NULL");
-            return RESULT_ERROR_INVALID_PARAMETER;
-        }
-        const RESULT result = ReadEnumeration(feature, mode);
+        RESULT result = feature.CheckOutput(mode, L"pbTriggerMode is NULL");
+        IEnumeration* node = nullptr;
+        if (result == RESULT_SUCCESS)
+            result = feature.Find(node);
+        if (result != RESULT_SUCCESS)
+            return result;
+        RY_LOG_EVENT(kSite, core::kLogDebug, L"TriggerMode.AccessMode is %d",
+                     static_cast<int>(node->GetAccessMode()));
+        result = ReadEnumeration(feature, mode);
         if (result == RESULT_SUCCESS) {
             RY_LOG_EVENT(kSite, core::kLogDebug, L"_GetNode(\"TriggerMode\")->GetIntValue is %d",
                          *mode);
@@ -166,9 +173,7 @@ RESULT RyCamera::SetTriggerSource(TRIGGER_SOURCE source) {
     RY_FEATURE(SetTriggerSource, "TriggerSource");
     return RY_GUARDED(kSite, [&] {
         IEnumeration* node = nullptr;
-        RESULT result = feature.ForWriting(node);
-        if (result == RESULT_SUCCESS)
-            result = CheckAvailable(*node);
+        const RESULT result = feature.ForWritingAvailable(node);
         if (result != RESULT_SUCCESS)
             return result;
         if (source != TRIGGER_SOURCE_SOFTWARE && source != TRIGGER_SOURCE_EXTERNAL)
@@ -202,16 +207,17 @@ RESULT RyCamera::GetTriggerSource(TRIGGER_SOURCE* source) {
 RESULT RyCamera::GetTriggerSourceLineup(unsigned int nIndex, TRIGGER_SOURCE* source) {
     RY_FEATURE(GetTriggerSourceLineup, "TriggerSource");
     return RY_GUARDED(kSite, [&] {
-        if (source == nullptr)
-            return ReadLineup(feature, nIndex, source);
-        int64_t value = -1;
-        const RESULT result = feature.Lineup(nIndex, &value);
-        if (result != RESULT_SUCCESS || value < 0)
-            return result;
-        RyGenApi::IEnumEntry* entry = feature.Node<IEnumeration>()->GetEntry(value);
-        if (entry == nullptr || !TriggerSourceOf(entry->GetSymbolic(), *source))
+        RESULT result = feature.CheckOutput(source, L"pnValue is invalid");
+        int64_t value = source == nullptr ? 0 : static_cast<int64_t>(*source);
+        RyGenApi::IEnumEntry* entry = nullptr;
+        if (result == RESULT_SUCCESS)
+            result = feature.Lineup(nIndex, &value, &entry);
+        // Past the entries the caller's value stays; an entry of another name than the
+        // two known ones is given by its integer value.
+        if (result == RESULT_SUCCESS && entry != nullptr &&
+            !TriggerSourceOf(entry->GetSymbolic(), *source))
             *source = static_cast<TRIGGER_SOURCE>(value);
-        return RESULT_SUCCESS;
+        return result;
     });
 }
 
@@ -337,6 +343,10 @@ RESULT RyCamera::GetStreamHold(unsigned int* hold) {
 RESULT RyCamera::SetTestImage(TESTIMAGE image) {
     RY_FEATURE(SetTestImage, "TestImageSelector");
     return RY_GUARDED(kSite, [&] {
+        IEnumeration* node = nullptr;
+        RESULT result = feature.ForWritingAvailable(node);
+        if (result != RESULT_SUCCESS)
+            return result;
         int64_t selector = 0;
         switch (image) {
             case TESTIMAGE_OFF:
@@ -352,14 +362,9 @@ RESULT RyCamera::SetTestImage(TESTIMAGE image) {
                 selector = 3;
                 break;
             default:
+                RY_LOG_EVENT(kSite, kLogErr, L"TESTIMAGE(%d) is invalid", static_cast<int>(image));
                 return RESULT_ERROR;
         }
-        IEnumeration* node = nullptr;
-        RESULT result = feature.ForWriting(node);
-        if (result == RESULT_SUCCESS)
-            result = CheckAvailable(*node);
-        if (result != RESULT_SUCCESS)
-            return result;
         result = feature.SetEnumeration(selector);
         // The vertical ramp is written as 2 and at once as 3: the camera ends on 3, as the
         // applications built on it expect.
@@ -433,8 +438,6 @@ RESULT RyCamera::GetExposureTime(unsigned int* time) {
 RESULT RyCamera::SetGain(GAIN_SEL selector, float gain) {
     RY_CAMERA_SITE(SetGain);
     return RY_GUARDED(kSite, [&] {
-        if (!m_Shared->nodeMap)
-            return RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         return SelectorAndValue{*m_Shared, kSite, "GainSelector", "Gain"}.Write(selector, gain,
                                                                                 false);
     });
@@ -445,11 +448,13 @@ RESULT RyCamera::GetGain(GAIN_SEL* selector, float* gain) {
     return RY_GUARDED(kSite, [&] {
         const StandardFeature selectorFeature(*m_Shared, kSite, "GainSelector", kHandleOnMissing);
         const StandardFeature gainFeature(*m_Shared, kSite, "Gain", kHandleOnMissing);
+        RESULT result = selectorFeature.CheckOutput(selector, L"pSelector is NULL");
+        if (result == RESULT_SUCCESS)
+            result = gainFeature.CheckOutput(gain, L"pfGain is NULL");
         int64_t current = 0;
-        RESULT result = selectorFeature.GetEnumeration(selector == nullptr ? nullptr : &current);
+        if (result == RESULT_SUCCESS)
+            result = selectorFeature.GetEnumeration(&current);
         RyGenApi::INode* node = nullptr;
-        if (result == RESULT_SUCCESS && gain == nullptr)
-            result = RESULT_ERROR_INVALID_PARAMETER;
         if (result == RESULT_SUCCESS)
             result = gainFeature.Find(node);
         if (result != RESULT_SUCCESS)
@@ -468,8 +473,6 @@ RESULT RyCamera::GetGain(GAIN_SEL* selector, float* gain) {
 RESULT RyCamera::SetBlackLevel(BLACKLEVEL_SEL selector, unsigned int level) {
     RY_CAMERA_SITE(SetBlackLevel);
     return RY_GUARDED(kSite, [&] {
-        if (!m_Shared->nodeMap)
-            return RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         return SelectorAndValue{*m_Shared, kSite, "BlackLevelSelector", "BlackLevel"}.Write(
             selector, level, true);
     });

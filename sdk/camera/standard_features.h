@@ -34,9 +34,13 @@ class StandardFeature {
     RESULT GetEnumeration(int64_t* value) const;
     RESULT GetBoolean(bool* value) const;
 
+    // The node map test, then the caller's output: a null one is logged with `nullText` and
+    // refused before any lookup.
+    RESULT CheckOutput(const void* out, const wchar_t* nullText) const;
+
     // The available entries' integer values by position; a position past them leaves the
-    // output and succeeds. The count of those entries.
-    RESULT Lineup(unsigned int index, int64_t* value) const;
+    // output (and `entry`, when given) and succeeds. The count of those entries.
+    RESULT Lineup(unsigned int index, int64_t* value, RyGenApi::IEnumEntry** entry = nullptr) const;
     RESULT LineupCount(unsigned int* count) const;
 
     // The node checked as far as a writer checks it (without the write), for accessors
@@ -46,6 +50,15 @@ class StandardFeature {
         RESULT result = Find(node);
         if (result == RESULT_SUCCESS)
             result = access_.CheckNotReadOnly(*node, name_);
+        return result;
+    }
+
+    // As ForWriting, and the node must be available now.
+    template <typename Interface>
+    RESULT ForWritingAvailable(Interface*& node) const {
+        RESULT result = ForWriting(node);
+        if (result == RESULT_SUCCESS && !RyGenApi::IsAvailable(node->GetAccessMode()))
+            result = RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         return result;
     }
 
