@@ -1,6 +1,7 @@
 // The typed accessors of the standard features against the emulator: their departures from
 // the common steps, their lineups and what they refuse.
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,50 @@ namespace {
 
 using namespace RYSDK;
 
-class StandardFeatures : public rytest::OpenedCameraTest {};
+// The event-log records written while a test runs; the camera's own threads log too.
+class RecordedLog {
+  public:
+    RecordedLog() { SetEventLogCallback(&RecordedLog::Receive, this); }
+    ~RecordedLog() { SetEventLogCallback(nullptr, nullptr); }
+    RecordedLog(const RecordedLog&) = delete;
+    RecordedLog& operator=(const RecordedLog&) = delete;
+
+    bool Contains(const std::wstring& text) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        for (const std::wstring& record : records_)
+            if (record.find(text) != std::wstring::npos)
+                return true;
+        return false;
+    }
+
+  private:
+    static void Receive(void* context, uint16_t, uint32_t, const wchar_t* record) {
+        auto* self = static_cast<RecordedLog*>(context);
+        const std::lock_guard<std::mutex> lock(self->mutex_);
+        self->records_.emplace_back(record);
+    }
+
+    std::mutex mutex_;
+    std::vector<std::wstring> records_;
+};
+
+class StandardFeatures : public rytest::EmulatedCameraTest {
+  protected:
+    void Start(ry::emulator::CameraConfig config = {}) {
+        StartCamera(config);
+        ASSERT_EQ(Open(&camera_), RESULT_SUCCESS);
+    }
+    void TearDown() override {
+        if (camera_ != nullptr)
+            gige_->CloseCamera(camera_);
+        EmulatedCameraTest::TearDown();
+    }
+
+    RyCamera* camera_ = nullptr;
+};
 
 TEST_F(StandardFeatures, GeometryIsClampedThenAligned) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     unsigned int value = 0;
     EXPECT_EQ(camera_->SetWidth(0), RESULT_SUCCESS);
     ASSERT_EQ(camera_->GetWidth(&value), RESULT_SUCCESS);
@@ -32,6 +74,7 @@ TEST_F(StandardFeatures, GeometryIsClampedThenAligned) {
 }
 
 TEST_F(StandardFeatures, LineupsListWhatTheCameraOffersAndEndLeniently) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     unsigned int count = 0;
     ASSERT_EQ(camera_->GetTriggerModeLineupNum(&count), RESULT_SUCCESS);
     EXPECT_EQ(count, 2u);
@@ -53,6 +96,7 @@ TEST_F(StandardFeatures, LineupsListWhatTheCameraOffersAndEndLeniently) {
 }
 
 TEST_F(StandardFeatures, EnumerationsKeepTheirOwnRules) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     EXPECT_EQ(camera_->SetTriggerMode(1), RESULT_SUCCESS);
     int mode = 0;
     ASSERT_EQ(camera_->GetTriggerMode(&mode), RESULT_SUCCESS);
@@ -89,6 +133,7 @@ TEST_F(StandardFeatures, EnumerationsKeepTheirOwnRules) {
 }
 
 TEST_F(StandardFeatures, OnlyOneHoldsTheStream) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     unsigned int hold = 7;
     EXPECT_EQ(camera_->SetStreamHold(1), RESULT_SUCCESS);
     ASSERT_EQ(camera_->GetStreamHold(&hold), RESULT_SUCCESS);
@@ -99,6 +144,7 @@ TEST_F(StandardFeatures, OnlyOneHoldsTheStream) {
 }
 
 TEST_F(StandardFeatures, GainAndBlackLevelWriteTheSelectorFirst) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     EXPECT_EQ(camera_->SetGain(GAIN_SEL_RED, 6.5f), RESULT_SUCCESS);
     GAIN_SEL selector = GAIN_SEL_ALL;
     float gain = 0;
@@ -114,6 +160,7 @@ TEST_F(StandardFeatures, GainAndBlackLevelWriteTheSelectorFirst) {
 }
 
 TEST_F(StandardFeatures, ValuesTheCameraRefusesEndInAnException) {
+    ASSERT_NO_FATAL_FAILURE(Start());
     EXPECT_EQ(camera_->SetExposureTime(5), RESULT_ERROR_EXCEPTION);
     EXPECT_EQ(camera_->SetBinningFactor(9), RESULT_ERROR_EXCEPTION);
     EXPECT_EQ(camera_->SetExposureTime(2000), RESULT_SUCCESS);
@@ -128,21 +175,59 @@ TEST_F(StandardFeatures, ValuesTheCameraRefusesEndInAnException) {
         << "the increment is the camera's to check";
 }
 
-class ExtCamera : public rytest::EmulatedCameraTest {};
-
-TEST_F(ExtCamera, TheExternalSourceIsFoundUnderItsShortName) {
+TEST_F(StandardFeatures, TheExternalSourceIsFoundUnderItsShortName) {
     ry::emulator::CameraConfig config;
     config.trigger_entry_ext = true;
-    StartCamera(config);
-    RyCamera* camera = nullptr;
-    ASSERT_EQ(Open(&camera), RESULT_SUCCESS);
-    EXPECT_EQ(camera->SetTriggerSource(TRIGGER_SOURCE_EXTERNAL), RESULT_SUCCESS);
+    ASSERT_NO_FATAL_FAILURE(Start(config));
+    EXPECT_EQ(camera_->SetTriggerSource(TRIGGER_SOURCE_EXTERNAL), RESULT_SUCCESS);
     TRIGGER_SOURCE source = TRIGGER_SOURCE_SOFTWARE;
-    ASSERT_EQ(camera->GetTriggerSource(&source), RESULT_SUCCESS);
+    ASSERT_EQ(camera_->GetTriggerSource(&source), RESULT_SUCCESS);
     EXPECT_EQ(source, TRIGGER_SOURCE_EXTERNAL);
-    EXPECT_EQ(gige_->CloseCamera(camera), RESULT_SUCCESS);
+    ASSERT_EQ(camera_->GetTriggerSourceLineup(1, &source), RESULT_SUCCESS);
+    EXPECT_EQ(source, TRIGGER_SOURCE_EXTERNAL);
 }
 
+TEST_F(StandardFeatures, RefusalsAreLoggedWithTheirCause) {
+    ry::emulator::CameraConfig config;
+    config.feature_variants = {{"TriggerMode", ry::emulator::FeatureVariant::ReadOnly}};
+    ASSERT_NO_FATAL_FAILURE(Start(config));
+    RecordedLog log;
+    EXPECT_EQ(camera_->SetTriggerMode(1), RESULT_ERROR_RYCAMERA_READ_ONLY);
+    EXPECT_TRUE(log.Contains(L"TriggerMode.AccessMode == R0")) << "a digit zero, as logged";
+    EXPECT_EQ(camera_->SetExposureTime(5), RESULT_ERROR_EXCEPTION);
+    EXPECT_TRUE(log.Contains(L"value 5 is outside")) << "the node map's own text is logged";
+}
+
+TEST_F(StandardFeatures, NullOutputsAreRefused) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    GAIN_SEL selector{};
+    float gain = 0;
+    const std::vector<std::function<RESULT()>> calls = {
+        [&] { return camera_->GetTriggerMode(nullptr); },
+        [&] { return camera_->GetTriggerSource(nullptr); },
+        [&] { return camera_->GetTriggerSourceLineup(0, nullptr); },
+        [&] { return camera_->GetSCPSPacketSize(nullptr); },
+        [&] { return camera_->GetBinningHorizontal(nullptr); },
+        [&] { return camera_->GetBinningVerticalLineupNum(nullptr); },
+        [&] { return camera_->GetStreamHold(nullptr); },
+        [&] { return camera_->GetVerticalEnd(nullptr); },
+        [&] { return camera_->GetTestImage(nullptr); },
+        [&] { return camera_->GetTestImageLineup(0, nullptr); },
+        [&] { return camera_->GetExposureMode(nullptr); },
+        [&] { return camera_->GetGain(&selector, nullptr); },
+        [&] { return camera_->GetGain(nullptr, &gain); },
+    };
+    for (size_t k = 0; k < calls.size(); ++k)
+        EXPECT_EQ(calls[k](), RESULT_ERROR_INVALID_PARAMETER) << "call " << k;
+    unsigned int source = 0;
+    ASSERT_EQ(camera_->GetTriggerSourceLineupNum(&source), RESULT_SUCCESS);
+    TRIGGER_SOURCE kept = static_cast<TRIGGER_SOURCE>(42);
+    EXPECT_EQ(camera_->GetTriggerSourceLineup(source, &kept), RESULT_SUCCESS);
+    EXPECT_EQ(kept, 42) << "a position past the entries leaves the caller's value";
+}
+
+// Before open the node map is missing, and that is tested before anything else: even a null
+// output gives the node map's result.
 TEST(StandardFeaturesBeforeOpen, EveryAccessorNeedsTheNodeMap) {
     RyCamera camera(nullptr, 0);
     unsigned int u = 0;
@@ -168,6 +253,10 @@ TEST(StandardFeaturesBeforeOpen, EveryAccessorNeedsTheNodeMap) {
         [&] { return camera.GetSCPSPacketSize(&u); },
         [&] { return camera.SetBinningHorizontal(1); },
         [&] { return camera.GetBinningHorizontal(&u); },
+        [&] { return camera.GetBinningHorizontalLineup(0, &u); },
+        [&] { return camera.GetBinningHorizontalLineupNum(&u); },
+        [&] { return camera.SetBinningVertical(1); },
+        [&] { return camera.GetBinningVertical(&u); },
         [&] { return camera.GetBinningVerticalLineup(0, &u); },
         [&] { return camera.GetBinningVerticalLineupNum(&u); },
         [&] { return camera.SetBinningFactor(1); },
@@ -175,11 +264,21 @@ TEST(StandardFeaturesBeforeOpen, EveryAccessorNeedsTheNodeMap) {
         [&] { return camera.SetStreamHold(1); },
         [&] { return camera.GetStreamHold(&u); },
         [&] { return camera.SetWidth(640); },
+        [&] { return camera.GetWidth(&u); },
+        [&] { return camera.SetHeight(480); },
         [&] { return camera.GetHeight(&u); },
+        [&] { return camera.SetHorizontalStart(0); },
+        [&] { return camera.GetHorizontalStart(&u); },
         [&] { return camera.SetHorizontalEnd(1); },
+        [&] { return camera.GetHorizontalEnd(&u); },
+        [&] { return camera.SetVerticalStart(0); },
         [&] { return camera.GetVerticalStart(&u); },
+        [&] { return camera.SetVerticalEnd(1); },
+        [&] { return camera.GetVerticalEnd(&u); },
         [&] { return camera.SetTestImage(TESTIMAGE_OFF); },
+        [&] { return camera.SetTestImage(static_cast<TESTIMAGE>(5)); },
         [&] { return camera.GetTestImage(&image); },
+        [&] { return camera.GetTestImageLineup(0, &image); },
         [&] { return camera.GetTestImageLineupNum(&u); },
         [&] { return camera.SetReadoutMode(READOUT_NORMAL); },
         [&] { return camera.GetReadoutMode(&readout); },
@@ -193,6 +292,10 @@ TEST(StandardFeaturesBeforeOpen, EveryAccessorNeedsTheNodeMap) {
         [&] { return camera.SetReverseX(0); },
         [&] { return camera.SetStrobeOffset(0); },
         [&] { return camera.SetStrobePolarity(STROBE_POLARITY_ACTIVE_HIGH); },
+        [&] { return camera.GetTriggerMode(nullptr); },
+        [&] { return camera.GetTriggerModeLineup(0, nullptr); },
+        [&] { return camera.GetTestImageLineupNum(nullptr); },
+        [&] { return camera.GetGain(nullptr, nullptr); },
     };
     for (size_t k = 0; k < calls.size(); ++k)
         EXPECT_EQ(calls[k](), RESULT_ERROR_XML_NODE_ACCESS_FAILED) << "call " << k;
