@@ -27,16 +27,6 @@ RESULT StandardFeature::ForReading(const void* out, Interface*& node) const {
                                                         : RESULT_ERROR_XML_NODE_ACCESS_FAILED;
 }
 
-RESULT StandardFeature::SetInteger(int64_t value) const {
-    IInteger* node = nullptr;
-    const RESULT result = ForWriting(node);
-    if (result != RESULT_SUCCESS)
-        return result;
-    Node<IInteger>()->SetValue(value, true);
-    LogWrite(L"SetValue", value);
-    return RESULT_SUCCESS;
-}
-
 RESULT StandardFeature::SetEnumeration(int64_t value) const {
     IEnumeration* node = nullptr;
     const RESULT result = ForWriting(node);
@@ -57,22 +47,25 @@ RESULT StandardFeature::SetBoolean(bool value) const {
     return RESULT_SUCCESS;
 }
 
-RESULT StandardFeature::SetClampedInteger(int64_t value, int64_t step, RESULT misaligned) const {
+RESULT StandardFeature::SetInteger(int64_t value, IntegerWrite how) const {
     IInteger* node = nullptr;
     RESULT result = Find(node);
     if (result != RESULT_SUCCESS)
         return result;
-    if (value < node->GetMin())
-        value = node->GetMin();
-    if (value > node->GetMax())
-        value = node->GetMax();
-    if (step > 1 && value >= step && value % step != 0) {
-        RY_LOG_EVENT(access_.Site(), core::kLogErr, L"%ls(%lld) %% %lld",
-                     core::Widen(name_).c_str(), static_cast<long long>(value),
-                     static_cast<long long>(step));
-        return misaligned;
+    if (how.clamp) {
+        // Clamped first, so that the alignment is judged on what would be written.
+        if (value < node->GetMin())
+            value = node->GetMin();
+        if (value > node->GetMax())
+            value = node->GetMax();
+        if (how.step > 1 && value >= how.step && value % how.step != 0) {
+            RY_LOG_EVENT(access_.Site(), core::kLogErr, L"%ls(%lld) %% %lld",
+                         core::Widen(name_).c_str(), static_cast<long long>(value),
+                         static_cast<long long>(how.step));
+            return how.misaligned;
+        }
     }
-    result = access_.CheckNotReadOnly(*node, name_);
+    result = ForWriting(node);
     if (result != RESULT_SUCCESS)
         return result;
     Node<IInteger>()->SetValue(value, true);

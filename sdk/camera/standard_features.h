@@ -13,6 +13,16 @@ namespace RYSDK::camera {
 struct FeatureRules {
     RESULT missing = RESULT_ERROR_XML_NOT_EXIST_NODE;        // no node of that name
     RESULT wrongKind = RESULT_ERROR_XML_NODE_ACCESS_FAILED;  // a node of another interface
+    bool availableToWrite = false;  // writers refuse a node not available now, as readers do
+};
+
+// How an integer writer treats the value before the camera sees it. Width, Height and the
+// packet size are clamped into the node's range first, then (for a step above 1) held to a
+// multiple of the step unless below it.
+struct IntegerWrite {
+    bool clamp = false;
+    int64_t step = 1;
+    RESULT misaligned = RESULT_SUCCESS;
 };
 
 class StandardFeature {
@@ -21,13 +31,10 @@ class StandardFeature {
                     FeatureRules rules = {})
         : access_(shared, site), name_(name), rules_(rules) {}
 
-    // Writers: node map, node, kind, not read-only, then the write.
-    RESULT SetInteger(int64_t value) const;
+    // Writers: node map, node, kind, (available,) not read-only, then the write.
+    RESULT SetInteger(int64_t value, IntegerWrite how = {}) const;
     RESULT SetEnumeration(int64_t value) const;
     RESULT SetBoolean(bool value) const;
-    // Width, Height and the packet size: clamped into the node's range first, then (for a
-    // step above 1) held to a multiple of the step unless below it.
-    RESULT SetClampedInteger(int64_t value, int64_t step, RESULT misaligned) const;
 
     // Readers: node map, output, node, kind, available, then the read.
     RESULT GetInteger(int64_t* value) const;
@@ -48,18 +55,19 @@ class StandardFeature {
     template <typename Interface>
     RESULT ForWriting(Interface*& node) const {
         RESULT result = Find(node);
+        if (result == RESULT_SUCCESS && rules_.availableToWrite &&
+            !RyGenApi::IsAvailable(node->GetAccessMode()))
+            result = RESULT_ERROR_XML_NODE_ACCESS_FAILED;
         if (result == RESULT_SUCCESS)
             result = access_.CheckNotReadOnly(*node, name_);
         return result;
     }
 
-    // As ForWriting, and the node must be available now.
+    // As above; then a value outside those the accessor maps is refused as a parameter.
     template <typename Interface>
-    RESULT ForWritingAvailable(Interface*& node) const {
-        RESULT result = ForWriting(node);
-        if (result == RESULT_SUCCESS && !RyGenApi::IsAvailable(node->GetAccessMode()))
-            result = RESULT_ERROR_XML_NODE_ACCESS_FAILED;
-        return result;
+    RESULT ForWriting(Interface*& node, bool valueMapped) const {
+        const RESULT result = ForWriting(node);
+        return result == RESULT_SUCCESS && !valueMapped ? RESULT_ERROR_INVALID_PARAMETER : result;
     }
 
     template <typename Interface>
