@@ -271,6 +271,53 @@ class RYSDK_API RyCamera {
     // MONITOR opens read-only and never configures the camera's stream.
     RESULT SetCCPPrivilege(CCP_PRIVILEGE privilege);
 
+    // Acquisition. Grab starts a continuous acquisition, Snap one of `frames` frames; both
+    // start the grab thread, which hands each frame to the image callback (on the grab
+    // thread, or on the callback thread with UseIndependentCallback) or to GetGrabData, and
+    // queues its buffer again unless UseQueueManager is on. The grab thread stops the
+    // acquisition itself when its frame count is reached or a wait times out.
+    // Abort stops the camera and the threads; no frame is delivered after it returns.
+    // Thread: application; a callback may call GetGrabCondition and the feature getters,
+    // never Grab, Snap, Abort or CloseCamera.
+    RESULT Grab();
+    RESULT Snap(unsigned int frames);
+    RESULT Abort();
+    // Executes the camera's "AcquisitionStop"; the threads are left alone.
+    RESULT AcquisitionStop();
+    // 1 while an acquisition runs. Thread: any.
+    RESULT GetGrabCondition(int& grabbing);
+    // These three take effect at the next Grab or Snap. The copy buffer of the independent
+    // callback is allocated with the pool, so turn it on before OpenCamera.
+    RESULT UseIndependentCallback(int on);
+    RESULT UseQueueManager(int on);
+    // On: "Continuous" honours "AcquisitionFrameCount" like "MultiFrame".
+    RESULT AcquisitionModeOpt(int on);
+    // Milliseconds the grab thread and GetGrabData wait for a frame; 0 waits without limit,
+    // 1 to 999 are refused with RESULT_ERROR_INVALID_PARAMETER.
+    RESULT SetAcquisitionTimeOut(unsigned int ms);
+    RESULT GetAcquisitionTimeOut(unsigned int* ms);
+    // The grab thread's end: 0 when it has ended, 0x102 (time-out) while it runs,
+    // 0xFFFFFFFF when no grab thread was started.
+    uint32_t WaitGrabThread(unsigned int ms);
+    // Set before Grab or Snap; a null callback hands frames to GetGrabData instead.
+    RESULT SetImageCallback(pImageCallbackFn callback);
+    // The next frame when no image callback is set (RESULT_ERROR_RYCAMERA_CALLBACK_NOT_NULL
+    // otherwise); RESULT_ERROR_RYCAMERA_GRAB_TIMEOUT when none comes within the acquisition
+    // time-out. pImage stays valid until the grab thread queues the buffer again.
+    RESULT GetGrabData(IMAGE_INFO* info);
+
+    // Stream statistics, counted by the transport layer since the camera was opened.
+    // RESULT_ERROR_INVALID_HANDLE without a stream.
+    RESULT GetNumDeliveredFrame(uint64_t& frames);
+    RESULT GetNumLostImage(uint64_t& frames);  // no free buffer when a frame began
+    RESULT GetNumAnnouncedBuffer(uint64_t& buffers);
+    RESULT GetNumQueuedBuffer(uint64_t& buffers);
+    RESULT GetNumCorruptedImage(uint64_t& frames);           // delivered incomplete
+    RESULT GetNumResendSuccessfulPackets(uint64_t& packets);  // arrived after a resend request
+    RESULT GetStreamInfo(STREAM_INFO item, unsigned int& value);
+    // Frames the camera can hold in its own memory ("FrameCapacity").
+    RESULT GetFrameCapacity(unsigned int* frames);
+
     // Heartbeats that must fail in a row before the camera is reported lost.
     RESULT SetHeartBeatTimeoutTryCount(int count);
     RESULT GetHeartBeatTimeoutTryCount(int& count);

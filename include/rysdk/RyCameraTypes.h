@@ -40,12 +40,19 @@ struct DISCONNECT_INFO {
     uint32_t heartBeatTimeoutTryCount;
 };
 
+// What GetStreamInfo reads.
+enum STREAM_INFO : int32_t {
+    STREAM_INFO_LOST_FRAMES = 0,      // frames lost for want of a free buffer
+    STREAM_INFO_MISSING_PACKETS = 1,  // packets never received
+};
+
 using pImageCallbackFn = void (*)(OBJECT_INFO* object, IMAGE_INFO* image);
 using pDisconnectCallbackFn = void (*)(OBJECT_INFO* object, DISCONNECT_INFO info);
 
-// Codes handed to the general event callback: one per clear status bit the camera's
-// "ResultAll" feature reports.
+// Codes handed to the general event callback: a lost frame seen by the grab thread, and one
+// per clear status bit the camera's "ResultAll" feature reports.
 enum EventType : int32_t {
+    EVENT_TYPE_FRAME_LOST = 1,  // the grab thread saw the lost-frame count move
     EVENT_TYPE_STATUS_BIT0 = 2,
     EVENT_TYPE_STATUS_BIT1 = 3,
     EVENT_TYPE_STATUS_BIT2 = 4,
