@@ -10,9 +10,15 @@
 //        └─────────────┘                  │ stream started (stream     │
 //               │ OpenCamera failed       │ mode), monitor threads run │
 //               ▼                         └────────────────────────────┘
-//        what the open reached stays                │ CloseCamera
-//        (see OpenCamera); CloseCamera              ▼
-//        releases it                       removed from its interface and destroyed
+//        what the open reached stays          Grab, Snap │  ▲ Abort, the grab thread's end
+//        (see OpenCamera); CloseCamera                   ▼  │ (frame count, time-out)
+//        releases it                       ┌────────────────────────────┐
+//                                          │ acquiring: grab thread     │
+//                                          │ (and callback thread) run  │
+//                                          └────────────────────────────┘
+//                                                         │ CloseCamera (from either state)
+//                                                         ▼
+//                                          removed from its interface and destroyed
 //
 // Threads: a camera is driven from one application thread at a time; OpenCamera and
 // CloseCamera must not run concurrently for one camera. The connection monitor and the
