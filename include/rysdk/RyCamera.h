@@ -309,7 +309,8 @@ class RYSDK_API RyCamera {
     RESULT SetImageCallback(pImageCallbackFn callback);
     // The next frame when no image callback is set (RESULT_ERROR_RYCAMERA_CALLBACK_NOT_NULL
     // otherwise); RESULT_ERROR_RYCAMERA_GRAB_TIMEOUT when none comes within the acquisition
-    // time-out. pImage stays valid until the grab thread queues the buffer again.
+    // time-out. pImage stays valid until the next GetGrabData call or the end of the
+    // acquisition.
     RESULT GetGrabData(IMAGE_INFO* info);
 
     // Stream statistics, counted by the transport layer since the camera was opened.
