@@ -152,6 +152,35 @@ TEST_F(FeatureAccess, NetworkConfigurationAndIdentity) {
     EXPECT_EQ(size, 18u);
 }
 
+TEST_F(FeatureAccess, SettingsComeFromTheCacheAndWritesRefreshWhatTheyChange) {
+    unsigned int width = 0;
+    PIXEL_FORMAT format{};
+    ASSERT_EQ(camera_->GetWidth(&width), RESULT_SUCCESS);
+    ASSERT_EQ(camera_->GetPixelFormat(&format), RESULT_SUCCESS);
+    // With the cable pulled only a cache can answer: the grab thread reads the pixel format
+    // for every frame.
+    ry::emulator::FaultConfig unplugged;
+    unplugged.unplugged = true;
+    emulator_->set_faults(unplugged);
+    unsigned int cachedWidth = 0;
+    PIXEL_FORMAT cachedFormat{};
+    EXPECT_EQ(camera_->GetWidth(&cachedWidth), RESULT_SUCCESS);
+    EXPECT_EQ(camera_->GetPixelFormat(&cachedFormat), RESULT_SUCCESS);
+    EXPECT_EQ(cachedWidth, width);
+    EXPECT_EQ(cachedFormat, format);
+    emulator_->set_faults({});
+
+    // The camera changes the pixel size with the format and the payload with both: what a
+    // write changes is read anew without InvalidateNodes.
+    ASSERT_EQ(camera_->SetCustomCommand("PixelFormat", "Mono16", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PixelSize"), "Bpp16");
+    EXPECT_EQ(Read("PayloadSize"), std::to_string(width * 480 * 2));
+    ASSERT_EQ(camera_->SetCustomCommand("PixelSize", "Bpp8", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PixelFormat"), "Mono8");
+    ASSERT_EQ(camera_->SetCustomCommand("Height", "240", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PayloadSize"), std::to_string(width * 240));
+}
+
 TEST_F(FeatureAccess, RawRegistersTranslateTheirFailures) {
     uint8_t word[4] = {};
     int64_t size = sizeof(word);
