@@ -13,10 +13,8 @@
 #include <functional>
 #include <vector>
 
+#include "first_camera.h"
 #include "loop_program.h"
-#include "ry/emulator/camera.h"
-#include "rysdk/RyCamera.h"
-#include "rysdk/RyGigE.h"
 
 namespace {
 
@@ -43,15 +41,10 @@ int main(int argc, char** argv) {
     int batches = 20;
     if (const int status = rytest::PrepareLoopProgram(argc, argv, batches); status != 0)
         return status;
-    ry::emulator::CameraConfig config;
-    config.address = "127.0.0.2";
-    const ry::emulator::Camera emulator(config);
-    RYSDK::RyGigE gige;
-    gige.SetDiscoveryTimeout(300);
-    RYSDK::OBJECT_INFO object{};
-    RYSDK::RyCamera* camera = nullptr;
-    if (gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr, nullptr) !=
-        RYSDK::RESULT_SUCCESS) {
+    const ry::emulator::Camera emulator(rytest::EmulatedCameraConfig());
+    rytest::FirstCamera first;
+    RYSDK::RyCamera* camera = first.Open();
+    if (camera == nullptr) {
         std::fprintf(stderr, "the emulated camera did not open\n");
         return 1;
     }
@@ -71,11 +64,11 @@ int main(int argc, char** argv) {
         next = next == 640 ? 644 : 640;
         camera->SetWidth(next);
     });
-    gige.CloseCamera(camera);
+    first.Gige().CloseCamera(camera);
 
     arv_update_device_list();
     GError* error = nullptr;
-    ArvCamera* peer = arv_camera_new("127.0.0.2", &error);
+    ArvCamera* peer = arv_camera_new(rytest::kEmulatedCameraAddress, &error);
     if (peer == nullptr) {
         std::fprintf(stderr, "Aravis: %s\n", error != nullptr ? error->message : "no camera");
         return 1;
