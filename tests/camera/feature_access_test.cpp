@@ -4,6 +4,7 @@
 #include <string>
 
 #include "camera_fixture.h"
+#include "recorded_log.h"
 
 namespace {
 
@@ -150,6 +151,24 @@ TEST_F(FeatureAccess, NetworkConfigurationAndIdentity) {
     size = 3;
     EXPECT_EQ(camera_->GetDeviceMAC(0, text, &size), RESULT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(size, 18u);
+}
+
+TEST_F(FeatureAccess, EveryKindLogsUnderItsOwnWord) {
+    rytest::RecordedLog log;
+    for (const char* feature : {"Width", "Gain", "PixelFormat", "DeviceUserID", "FileAccessBuffer"})
+        EXPECT_EQ(camera_->SetCustomCommand(feature, nullptr, 0), RESULT_ERROR_INVALID_PARAMETER)
+            << feature;
+    for (const wchar_t* text : {L"INTEGER::cpArg is invalid", L"FLOAT::cpArg is invalid",
+                                L"ENUMERATION::cpArg is invalid", L"STRING::cpArg is invalid",
+                                L"REGISTER::cpArg is invalid"})
+        EXPECT_TRUE(log.Contains(text)) << text;
+    EXPECT_EQ(camera_->SetCustomCommand("ReverseX", nullptr, 0), RESULT_ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(log.Contains(L"BOOLEAN:: nArg(-1) is invalid"));
+    // A port has no value to write: the kinds without a writer are all "NODE".
+    EXPECT_EQ(camera_->SetCustomCommand("Device", "1", 0), RESULT_ERROR_XML_UNSUPPORTED_COMMAND);
+    EXPECT_TRUE(log.Contains(L"NODE::RESULT_ERROR_XML_UNSUPPORTED_COMMAND"));
+    EXPECT_EQ(Read("PixelFormat"), "Mono8");
+    EXPECT_TRUE(log.Contains(L"ENUMERATION::GET_CUSTOM_COMMAND(")) << "reads name the kind too";
 }
 
 TEST_F(FeatureAccess, SettingsComeFromTheCacheAndWritesRefreshWhatTheyChange) {
