@@ -38,7 +38,7 @@ TEST_F(AcquisitionThreadsTest, AbortFromAnotherThreadReleasesAWaitingGrabThread)
 
 TEST_F(AcquisitionThreadsTest, ASlowCallbackLosesFramesThatAreCountedAndAbortWaitsForIt) {
     OpenWithCallback(FastCamera(), &FrameCollector::Callback, 2);
-    const LogCapture log;
+    RecordedLog log;
     static std::atomic<int> lossEvents{0};
     lossEvents = 0;
     ASSERT_EQ(camera_->SetGeneralEventCallback([](EventType type) {
@@ -172,7 +172,7 @@ class LossyLinkTest : public AcquisitionTest {
 
 TEST_F(LossyLinkTest, OnePercentLossIsRepairedByResends) {
     OpenWithCallback(FastCamera(30.0), &FrameCollector::Callback, 16);
-    const LogCapture log;
+    RecordedLog log;
     if (!DropStreamPackets(1))
         GTEST_SKIP() << "nftables is not usable here";
     ASSERT_EQ(camera_->Snap(40), RESULT_SUCCESS);
@@ -195,7 +195,7 @@ TEST_F(LossyLinkTest, FivePercentLossWithoutResendsFlagsIncompleteFrames) {
     auto config = FastCamera(30.0);
     config.faults.ignore_resend = true;
     OpenWithCallback(config, &FrameCollector::Callback, 16);
-    const LogCapture log;
+    RecordedLog log;
     if (!DropStreamPackets(5))
         GTEST_SKIP() << "nftables is not usable here";
     ASSERT_EQ(camera_->Snap(30), RESULT_SUCCESS);

@@ -8,10 +8,10 @@
 #include <cstring>
 #include <functional>
 #include <mutex>
-#include <string>
 #include <vector>
 
 #include "camera_fixture.h"
+#include "recorded_log.h"
 #include "test_image.h"
 
 namespace rytest {
@@ -77,34 +77,6 @@ class FrameCollector {
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<ReceivedFrame> frames_;
-};
-
-// The SDK's event-log records, kept while the capture lives.
-class LogCapture {
-  public:
-    LogCapture() { RYSDK::SetEventLogCallback(&LogCapture::Record, this); }
-    ~LogCapture() { RYSDK::SetEventLogCallback(nullptr, nullptr); }
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
-
-    bool Contains(const std::wstring& text) const {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        for (const std::wstring& record : records_) {
-            if (record.find(text) != std::wstring::npos)
-                return true;
-        }
-        return false;
-    }
-
-  private:
-    static void Record(void* context, uint16_t, uint32_t, const wchar_t* record) {
-        auto* self = static_cast<LogCapture*>(context);
-        const std::lock_guard<std::mutex> lock(self->mutex_);
-        self->records_.emplace_back(record);
-    }
-
-    mutable std::mutex mutex_;
-    std::vector<std::wstring> records_;
 };
 
 // The emulated camera, opened with the collector as its image callback.
