@@ -171,9 +171,10 @@ class GrabLoop {
         }
         if (state_.grabbing.load() != 0) {
             const IMAGE_INFO image = Describe(buffer, base);
-            if (!Deliver(buffer, image))
-                return;  // queued once the callback thread or the poller is done with it
+            const bool handedBack = Deliver(buffer, image);
             CheckLoss(image.blockId);
+            if (!handedBack)
+                return;  // queued once the callback thread or the poller is done with it
         }
         Requeue(buffer);
     }
