@@ -1,22 +1,11 @@
 #include "aravis_receiver.h"
 
-#include <sys/resource.h>
-
 #include <chrono>
 
 namespace ry::bench {
-namespace {
 
 using Clock = std::chrono::steady_clock;
-
-double CpuSeconds() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-}  // namespace
+using ry::gev::tools::ProcessCpuSeconds;
 
 std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
     auto stream = AravisStream::Open(run);
@@ -26,7 +15,7 @@ std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
     ReceiverReport result;
     result.packetSocketOpen = PacketSocketOpen();
     ry::gev::tools::FrameTally tally;
-    const double cpuStart = CpuSeconds();
+    const double cpuStart = ProcessCpuSeconds();
     const auto start = Clock::now();
     stream->Recycle(start + std::chrono::duration_cast<Clock::duration>(
                                 std::chrono::duration<double>(run.seconds)),
@@ -39,7 +28,7 @@ std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
     auto& figures = result.figures;
     figures = tally.Figures();
     figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    figures.cpuSeconds = CpuSeconds() - cpuStart;
+    figures.cpuSeconds = ProcessCpuSeconds() - cpuStart;
     stream->Stop();
     return result;
 }
