@@ -15,10 +15,13 @@
 //
 // It discovers, so it runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-acquisition-compare [--seconds=S]
-// Other options: --packet-size=N (9000), --buffers=N (16).
+// Other options: --packet-size=N (9000), --buffers=N (16), --receiver=TEXT (only the
+// receivers whose name holds TEXT, e.g. "ours" under a profiler).
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,12 +39,14 @@ using namespace ry::bench;
 constexpr auto kSetUpAllowance = std::chrono::seconds(30);
 constexpr const char* kAddress = "127.0.0.2";
 constexpr const char* kUsage =
-    "usage: ry-acquisition-compare [--seconds=S] [--packet-size=N] [--buffers=N]\n";
+    "usage: ry-acquisition-compare [--seconds=S] [--packet-size=N] [--buffers=N] "
+    "[--receiver=TEXT]\n";
 
 struct Options {
     double seconds = 3;
     uint32_t packetSize = 9000;
     uint32_t buffers = 16;
+    std::string receiver;  // only the receivers whose name holds this text (for profiling)
 };
 
 struct Rate {
@@ -90,6 +95,8 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
             options.packetSize = static_cast<uint32_t>(value);
         else if (ParseNumber(argv[i], "--buffers=", value) && value >= 2 && value <= 256)
             options.buffers = static_cast<uint32_t>(value);
+        else if (std::strncmp(argv[i], "--receiver=", 11) == 0)
+            options.receiver = argv[i] + 11;
         else
             return std::nullopt;
     }
@@ -100,12 +107,16 @@ std::vector<Receiver> Receivers(const Options& o) {
     const SdkRun ours{o.packetSize, o.buffers, o.seconds};
     const AravisRun packetSocket{kAddress, o.packetSize, o.buffers, o.seconds, true};
     const AravisRun udp{kAddress, o.packetSize, o.buffers, o.seconds, false};
-    return {
+    std::vector<Receiver> all{
         {"ours", [ours](RunBoard& board) { return MeasureSdk(ours, board); }},
         {"aravis packet socket",
          [packetSocket](RunBoard& board) { return MeasureAravisCallback(packetSocket, board); }},
         {"aravis udp", [udp](RunBoard& board) { return MeasureAravisCallback(udp, board); }},
     };
+    std::erase_if(all, [&o](const Receiver& r) {
+        return std::string(r.label).find(o.receiver) == std::string::npos;
+    });
+    return all;
 }
 
 ry::emulator::CameraConfig CameraFor(const Rate& rate) {
