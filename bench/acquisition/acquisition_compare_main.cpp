@@ -15,12 +15,15 @@
 //
 // It discovers, so it runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-acquisition-compare [--seconds=S]
-// Other options: --packet-size=N (9000), --buffers=N (16), --receiver=TEXT (only the
-// receivers whose name holds TEXT, e.g. "ours" under a profiler).
+// Other options: --packet-size=N (9000), --buffers=N (32, for every receiver), --receiver=TEXT
+// (only the receivers whose name holds TEXT, e.g. "ours" under a profiler).
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
@@ -45,7 +48,9 @@ constexpr const char* kUsage =
 struct Options {
     double seconds = 3;
     uint32_t packetSize = 9000;
-    uint32_t buffers = 16;
+    // At 640x480 flat out 16 buffers are 5 ms of slack, less than a loaded two-core machine
+    // may keep a thread waiting.
+    uint32_t buffers = 32;
     std::string receiver;  // only the receivers whose name holds this text (for profiling)
 };
 
@@ -184,7 +189,17 @@ void PrintRow(const Row& row) {
                 s.latencyMedianUs, s.latencyP99Us, Notes(s).c_str());
 }
 
-void PrintTable(const std::vector<Row>& rows, const Options& options) {
+// The machine column counts every process: the load others put on a shared machine shows.
+std::string LoadAverage() {
+    std::ifstream load("/proc/loadavg");
+    std::string oneMinute;
+    load >> oneMinute;
+    return oneMinute;
+}
+
+void PrintTable(const std::vector<Row>& rows, const Options& options, const std::string& load) {
+    std::printf("%ld CPUs, load average %s at the start, %s at the end\n",
+                ::sysconf(_SC_NPROCESSORS_ONLN), load.c_str(), LoadAverage().c_str());
     std::printf(
         "acquisition end to end, %.1f s per receiver after a 1 s warm-up, %u-byte packets, "
         "%u buffers\n",
@@ -212,12 +227,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
+        const std::string load = LoadAverage();
         const SharedMapping<RunBoard> board;
         const auto receivers = Receivers(*options);
         std::vector<Row> rows;
         for (const Rate& rate : kRates)
             MeasureRate(rate, receivers, *options, *board, rows);
-        PrintTable(rows, *options);
+        PrintTable(rows, *options, load);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "ry-acquisition-compare: %s\n", error.what());
         return 1;
