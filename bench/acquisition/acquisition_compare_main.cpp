@@ -158,10 +158,13 @@ double PerGigabyte(double seconds, uint64_t bytes) {
 std::string Notes(const ReceiverSummary& s) {
     char text[160];
     if (s.hasSdkCounters) {
-        std::snprintf(text, sizeof text, "SDK counters: delivered %llu, lost %llu, corrupted %llu",
-                      static_cast<unsigned long long>(s.sdk.delivered),
-                      static_cast<unsigned long long>(s.sdk.lost),
-                      static_cast<unsigned long long>(s.sdk.corrupted));
+        std::snprintf(
+            text, sizeof text,
+            "SDK counters: delivered %llu, lost %llu, corrupted %llu, packets missing %llu",
+            static_cast<unsigned long long>(s.sdk.delivered),
+            static_cast<unsigned long long>(s.sdk.lost),
+            static_cast<unsigned long long>(s.sdk.corrupted),
+            static_cast<unsigned long long>(s.sdk.missingPackets));
     } else {
         std::snprintf(text, sizeof text, "packet socket %s", s.packetSocketOpen ? "open" : "none");
     }
