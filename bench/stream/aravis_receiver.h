@@ -2,21 +2,12 @@
 // plain UDP socket or in its raw packet-socket mode (which needs CAP_NET_RAW).
 #pragma once
 
-#include <cstdint>
 #include <optional>
-#include <string>
 
+#include "aravis_stream.h"
 #include "child_measurement.h"
 
 namespace ry::bench {
-
-struct AravisRun {
-    std::string deviceAddress;  // dotted IPv4, reached from 127.0.0.1
-    uint32_t packetSize = 9000;
-    uint32_t buffers = 16;
-    double seconds = 5;
-    bool packetSocket = false;
-};
 
 // Opens the camera, streams for `run.seconds` and counts like ry-stream-bench does. Also
 // tells whether a packet socket was open while streaming. Nullopt when the camera or the

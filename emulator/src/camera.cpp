@@ -40,6 +40,9 @@ FaultConfig Camera::faults() const {
 void Camera::fire_external_trigger() {
     device_->fire_external_trigger();
 }
+void Camera::set_trailer_observer(TrailerObserver observer) {
+    device_->set_trailer_observer(std::move(observer));
+}
 std::uint64_t Camera::frames_sent() const {
     return device_->counters().frames;
 }

@@ -76,6 +76,9 @@ class CameraDevice {
     void set_faults(const FaultConfig& faults);
     FaultConfig faults() const;
     void fire_external_trigger();
+    void set_trailer_observer(TrailerObserver observer) {
+        streamer_->set_trailer_observer(std::move(observer));
+    }
     const StreamCounters& counters() const { return counters_; }
     std::uint64_t legacy_stop_writes() const { return legacy_stop_writes_.load(); }
 

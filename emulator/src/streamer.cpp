@@ -74,6 +74,11 @@ void Streamer::set_faults(const FaultConfig& faults) {
     faults_ = faults;
 }
 
+void Streamer::set_trailer_observer(TrailerObserver observer) {
+    std::lock_guard lock(mutex_);
+    trailer_observer_ = std::move(observer);
+}
+
 void Streamer::start(const AcquisitionPlan& plan) {
     {
         std::lock_guard lock(mutex_);
@@ -233,7 +238,9 @@ void Streamer::send_block(std::unique_lock<std::mutex>&) {
     const std::uint32_t trailer_id = packets_.payload_packet_count() + 1;
     if (!should_drop(faults_, trailer_id)) {
         const std::size_t size = packets_.build_packet(block_id, trailer_id, 0, 0, 0, scratch_);
-        send_datagram(scratch_.data(), size);
+        if (send_datagram(scratch_.data(), size) && trailer_observer_) {
+            trailer_observer_(block_id);
+        }
     }
 }
 

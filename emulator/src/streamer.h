@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "frame_packets.h"
+#include "ry/emulator/camera.h"
 #include "ry/emulator/camera_config.h"
 #include "ry/gev/protocol/gvcp_payloads.h"
 #include "udp_socket.h"
@@ -67,6 +68,7 @@ class Streamer {
     std::uint16_t source_port() const { return source_port_; }
     void set_channel(const StreamChannel& channel);
     void set_faults(const FaultConfig& faults);
+    void set_trailer_observer(TrailerObserver observer);
 
     void start(const AcquisitionPlan& plan);
     void stop();
@@ -110,6 +112,7 @@ class Streamer {
     std::condition_variable wake_;
     StreamChannel channel_;
     FaultConfig faults_;
+    TrailerObserver trailer_observer_;
     AcquisitionPlan plan_;
     FramePackets packets_;
     std::deque<SentBlock> window_;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <mutex>
 #include <thread>
 
 #include "feature_registers.h"
@@ -84,6 +85,24 @@ TEST_F(Stream, SingleAndMultiFrameCountsThenBlockIdsContinue) {
     }
     EXPECT_EQ(last_block_, 4u);
     EXPECT_FALSE(receiver_.next(200));
+}
+
+TEST_F(Stream, TheTrailerObserverHearsEachBlockOnceItsTrailerIsOut) {
+    std::mutex mutex;
+    std::vector<std::uint64_t> heard;
+    camera_.set_trailer_observer([&](std::uint64_t block_id) {
+        const std::lock_guard lock(mutex);
+        heard.push_back(block_id);
+    });
+    ASSERT_EQ(open_stream(client_, receiver_), 0);
+    start(2, 3);
+    for (int i = 0; i < 3; ++i) {
+        expect_block(pf::kMono8, 64, 32, 1464);
+    }
+    EXPECT_FALSE(receiver_.next(200));  // the observer added nothing to the stream
+    camera_.set_trailer_observer({});
+    const std::lock_guard lock(mutex);
+    EXPECT_EQ(heard, (std::vector<std::uint64_t>{1, 2, 3}));
 }
 
 TEST_F(Stream, ContinuousRunsUntilStoppedAtTheFrameRate) {

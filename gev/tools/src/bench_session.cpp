@@ -1,7 +1,5 @@
 #include "bench_session.h"
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -19,13 +17,6 @@ constexpr uint64_t kDefaultBufferBytes = 16u << 20;
 
 std::string Text(const char* buffer) {
     return buffer;
-}
-
-double CpuSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 uint64_t BigEndian(const uint8_t* bytes, size_t length) {
@@ -201,7 +192,7 @@ std::optional<StreamFigures> BenchSession::Stream(const BenchOptions& options) {
         std::fprintf(stderr, "no AcquisitionStart register found; waiting for frames anyway\n");
 
     FrameTally tally;
-    const double cpuStart = CpuSeconds();
+    const double cpuStart = ProcessCpuSeconds();
     const auto start = Clock::now();
     const auto end = start + std::chrono::duration<double>(options.seconds);
     while (Clock::now() < end) {
@@ -217,7 +208,7 @@ std::optional<StreamFigures> BenchSession::Stream(const BenchOptions& options) {
     }
     StreamFigures figures = tally.Figures();
     figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    figures.cpuSeconds = CpuSeconds() - cpuStart;
+    figures.cpuSeconds = ProcessCpuSeconds() - cpuStart;
     ExecuteCommand("AcquisitionStop");
     DSStopAcquisition(stream_, ACQ_STOP_FLAGS_KILL);
     return figures;

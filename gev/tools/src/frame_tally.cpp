@@ -1,5 +1,7 @@
 #include "frame_tally.h"
 
+#include <sys/resource.h>
+
 namespace ry::gev::tools {
 namespace {
 
@@ -7,6 +9,13 @@ constexpr uint64_t kLargestShortId = 0xFFFF;
 constexpr uint64_t kHalfShortRange = 0x8000;
 
 }  // namespace
+
+double ProcessCpuSeconds() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
 
 // A 16-bit id far below the newest one is the next lap, not a frame from long ago. The lap is
 // 65535 ids long because 0 is never used.

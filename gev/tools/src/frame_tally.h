@@ -18,6 +18,9 @@ struct StreamFigures {
     double cpuSeconds = 0;  // the whole receiving process (RUSAGE_SELF) over the run
 };
 
+// CPU seconds of the whole process so far (RUSAGE_SELF: every thread, user and system).
+double ProcessCpuSeconds();
+
 class FrameTally {
   public:
     // 16-bit block ids wrap from 65535 to 1. A receiver may deliver a frame late (after a

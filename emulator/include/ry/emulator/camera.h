@@ -2,6 +2,8 @@
 // registers and the camera's own GenICam description, and a GVSP stream sender.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -10,6 +12,11 @@
 namespace ry::emulator {
 
 class CameraDevice;
+
+// Told the block id of each frame right after its trailer's send returned, on the stream
+// thread; on loopback the trailer is then in the receiver's socket. Benchmarks time delivery
+// from there. It must be quick: the next frame waits for it.
+using TrailerObserver = std::function<void(std::uint64_t block_id)>;
 
 class Camera {
   public:
@@ -31,6 +38,9 @@ class Camera {
 
     // Raises the external trigger line (as a wired trigger input would).
     void fire_external_trigger();
+
+    // Replaces the observer (an empty one removes it); nothing sent changes.
+    void set_trailer_observer(TrailerObserver observer);
 
     // Counters for tests and the benchmark.
     std::uint64_t frames_sent() const;
