@@ -1,0 +1,50 @@
+// The SDK opened and the network discovered, then the one camera the user named.
+#pragma once
+
+#include <string>
+
+#include "cli.h"
+#include "rysdk/RyCamera.h"
+#include "rysdk/RyGigE.h"
+
+namespace rycam {
+
+inline constexpr const char* kCameraHelp =
+    "CAMERA: an index from 'rycam list', a device identifier, an IP or a MAC address";
+
+// What the camera is opened with.
+struct OpenSettings {
+    unsigned int buffers = 4;
+    RYSDK::pImageCallbackFn imageCallback = nullptr;
+    void* user = nullptr;  // handed back as OBJECT_INFO::pContext
+};
+
+class Session {
+  public:
+    Session();
+    ~Session();  // closes the camera, then the SDK
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Opens the SDK and discovers for `timeoutMs`. Returns an exit status.
+    int Discover(unsigned int timeoutMs);
+    // Discovers (--timeout), then opens the camera `selector` names. Returns an exit status.
+    int OpenCamera(const Arguments& arguments, const std::string& selector,
+                   const OpenSettings& settings = {});
+
+    RYSDK::RyGigE& System() { return gige_; }
+    // Valid after OpenCamera succeeded, until the session ends.
+    RYSDK::RyCamera& Camera() { return *camera_; }
+    // The discovery record of the opened camera.
+    const RYSDK::RYCAMERA_INFO& Record() const { return record_; }
+
+  private:
+    int Select(const std::string& selector, unsigned int& index);
+
+    RYSDK::OBJECT_INFO object_{};
+    RYSDK::RyGigE gige_;
+    RYSDK::RyCamera* camera_ = nullptr;
+    RYSDK::RYCAMERA_INFO record_;
+};
+
+}  // namespace rycam

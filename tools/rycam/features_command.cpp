@@ -1,0 +1,118 @@
+// rycam features CAMERA: the camera's property list as the tree its categories make, with
+// each feature's value and access. The SDK's property list says which features are shown
+// (the visible, implemented ones) and how; the categories come from the camera's own
+// description.
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "camera_session.h"
+#include "commands.h"
+#include "feature_text.h"
+#include "ry/genicam/NodeMapRef.h"
+#include "safe_text.h"
+
+namespace rycam {
+namespace {
+
+constexpr uint32_t kCategoryType = 8;  // RyGenApi::intfICategory
+constexpr int kMaxDepth = 64;          // a description whose categories nest in a cycle
+
+const char* AccessText(uint32_t accessMode) {
+    static const char* const kTexts[] = {"NI", "NA", "WO", "RO", "RW"};
+    return accessMode < 5 ? kTexts[accessMode] : "??";
+}
+
+class TreePrinter {
+  public:
+    explicit TreePrinter(RYSDK::RyCamera& camera) : camera_(camera) {}
+
+    void Print(RyGenApi::INode* node, int depth) {
+        if (node == nullptr || depth > kMaxDepth || !visited_.insert(node).second)
+            return;
+        RYSDK::_PROPERTY property{};
+        if (camera_.GetPropertyInfo(node->GetName().c_str(), &property) != RYSDK::RESULT_SUCCESS)
+            return;  // invisible or not implemented: the SDK does not list it
+        PrintLine(property, depth);
+        auto* category = dynamic_cast<RyGenApi::ICategory*>(node);
+        if (category == nullptr)
+            return;
+        RyGenApi::FeatureList_t features;
+        category->GetFeatures(features);
+        for (RyGenApi::IValue* feature : features) {
+            if (feature != nullptr)
+                Print(feature->GetNode(), depth + 1);
+        }
+    }
+
+  private:
+    void PrintLine(const RYSDK::_PROPERTY& property, int depth) {
+        const std::string name = SafeField(property.name);
+        if (property.type == kCategoryType) {
+            std::printf("%*s%s\n", depth * 2, "", name.c_str());
+            return;
+        }
+        std::string value;
+        const bool readable = property.accessMode == 3 || property.accessMode == 4;
+        if (!readable || ReadFeature(camera_, property.name, value) != RYSDK::RESULT_SUCCESS)
+            value.clear();
+        std::printf("%*s%s = %s  [%s]\n", depth * 2, "", name.c_str(), SafeText(value).c_str(),
+                    AccessText(property.accessMode));
+    }
+
+    RYSDK::RyCamera& camera_;
+    std::set<RyGenApi::INode*> visited_;
+};
+
+// Without a description to take the categories from, the list is printed flat.
+void PrintFlat(RYSDK::RyCamera& camera) {
+    int32_t count = 0;
+    camera.GetPropertyCount(&count);
+    for (int32_t i = 0; i < count; ++i) {
+        RYSDK::_PROPERTY property{};
+        if (camera.GetPropertyInfo(i, &property) == RYSDK::RESULT_SUCCESS)
+            std::printf("%s  [%s]\n", SafeField(property.name).c_str(),
+                        AccessText(property.accessMode));
+    }
+}
+
+std::unique_ptr<RyGenApi::CNodeMapRef> LoadDescription(RYSDK::RyCamera& camera) {
+    RYSDK::TransportHandle device = nullptr;
+    if (camera.GetDeviceHandle(&device) != RYSDK::RESULT_SUCCESS)
+        return nullptr;
+    const std::string xml = camera.GetXML(device, 0);
+    if (xml.empty())
+        return nullptr;
+    auto nodeMap = std::make_unique<RyGenApi::CNodeMapRef>();
+    try {
+        nodeMap->_LoadXMLFromString(xml);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+    return nodeMap;
+}
+
+}  // namespace
+
+int FeaturesCommand(int argc, char** argv) {
+    const auto arguments =
+        ParseArguments(argc, argv, "rycam features CAMERA [--timeout MS]", {"--timeout"}, {}, 1, 1);
+    if (!arguments)
+        return kExitUsage;
+    Session session;
+    if (const int status = session.OpenCamera(*arguments, arguments->positional[0]);
+        status != kExitOk)
+        return status;
+    const auto nodeMap = LoadDescription(session.Camera());
+    RyGenApi::INode* root = nodeMap != nullptr ? nodeMap->_GetNode("Root") : nullptr;
+    if (root == nullptr) {
+        std::fprintf(stderr, "rycam: the description has no categories; the features, flat:\n");
+        PrintFlat(session.Camera());
+        return kExitOk;
+    }
+    TreePrinter(session.Camera()).Print(root, 0);
+    return kExitOk;
+}
+
+}  // namespace rycam
