@@ -60,7 +60,7 @@
     X(RESULT_ERROR_FILE_STREAM_WRITE_FAILURE, 51)              \
     X(RESULT_ERROR_FILE_STREAM_CLOSE_FAILURE, 52)              \
     X(RESULT_ERROR_FILE_STREAM_NOT_CORRECT_FILE_LENGTH, 53)    \
-    X(RESULT_ERROR_EXCEPTION, 54)                             
+    X(RESULT_ERROR_EXCEPTION, 54)
 /* clang-format on */
 
 #endif /* RYSDK_RESULT_CODES_H */
