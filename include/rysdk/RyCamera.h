@@ -312,7 +312,7 @@ class RYSDK_API RyCamera {
     RESULT GetNumLostImage(uint64_t& frames);  // no free buffer when a frame began
     RESULT GetNumAnnouncedBuffer(uint64_t& buffers);
     RESULT GetNumQueuedBuffer(uint64_t& buffers);
-    RESULT GetNumCorruptedImage(uint64_t& frames);           // delivered incomplete
+    RESULT GetNumCorruptedImage(uint64_t& frames);            // delivered incomplete
     RESULT GetNumResendSuccessfulPackets(uint64_t& packets);  // arrived after a resend request
     RESULT GetStreamInfo(STREAM_INFO item, unsigned int& value);
     // Frames the camera can hold in its own memory ("FrameCapacity").

@@ -70,9 +70,8 @@ RESULT RyCamera::CreateBuffer(unsigned int width, unsigned int height, unsigned 
         }
         if (bufferArrayOut != nullptr)
             *bufferArrayOut = table.Array();
-        if (m_Shared->independentCallback != 0) {
-            m_Shared->copyBuffer = std::make_unique<uint8_t[]>(size);
-        }
+        if (m_Shared->independentCallback != 0)
+            m_Shared->copyBuffer = acquisition::MakeCopyBuffer(size);
         return RESULT_SUCCESS;
     } catch (const std::bad_alloc& error) {
         RY_LOG_EVENT(kSite, kLogErr, L"CreateBuffer - bad_alloc caught : %ls\n",
@@ -139,7 +138,7 @@ RESULT RyCamera::SetRegisterEvent(void* const stream, void** eventOut, void* arg
 RESULT RyCamera::DeleteBuffer() {
     RY_CAMERA_SITE(DeleteBuffer);
     camera::CameraShared& shared = *m_Shared;
-    shared.copyBuffer.reset();
+    shared.copyBuffer = {};
     if (shared.newBufferEventRegistered && shared.newBufferEvent != nullptr) {
         TL().EventFlush(shared.newBufferEvent);
         const GC_ERROR rc = TL().GCUnregisterEvent(shared.newBufferEvent, EVENT_NEW_BUFFER);

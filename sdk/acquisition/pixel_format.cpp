@@ -1,6 +1,7 @@
 // The camera's "PixelFormat" feature read and written by code; the catalogue only decides
 // which codes may be written.
 #include "acquisition/pixel_format_catalogue.h"
+#include "acquisition/pixel_format_read.h"
 #include "camera/camera_log.h"
 #include "camera/feature_access.h"
 #include "rysdk/RyCamera.h"
@@ -26,7 +27,9 @@ RESULT FindPixelFormat(const camera::FeatureAccess& access, RyGenApi::IEnumerati
 
 }  // namespace
 
-RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
+namespace acquisition {
+
+RESULT ReadPixelFormat(camera::DeviceNodeMap* nodeMap, PIXEL_FORMAT* format) {
     RY_CAMERA_SITE(GetPixelFormat);
     return RY_GUARDED(kSite, [&] {
         if (format == nullptr) {
@@ -34,7 +37,7 @@ RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
             return RESULT_ERROR_INVALID_PARAMETER;
         }
         RyGenApi::IEnumeration* node = nullptr;
-        const RESULT found = FindPixelFormat(camera::FeatureAccess(*m_Shared, kSite), node);
+        const RESULT found = FindPixelFormat(camera::FeatureAccess(nodeMap, kSite), node);
         if (found != RESULT_SUCCESS)
             return found;
         if (!RyGenApi::IsReadable(node->GetAccessMode()))
@@ -47,6 +50,12 @@ RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
         *format = static_cast<PIXEL_FORMAT>(static_cast<uint32_t>(value));
         return RESULT_SUCCESS;
     });
+}
+
+}  // namespace acquisition
+
+RESULT RyCamera::GetPixelFormat(PIXEL_FORMAT* format) {
+    return acquisition::ReadPixelFormat(m_Shared->nodeMap.get(), format);
 }
 
 RESULT RyCamera::SetPixelFormat(PIXEL_FORMAT format) {

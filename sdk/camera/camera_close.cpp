@@ -3,6 +3,7 @@
 // goes on, so the last failure is what the caller sees.
 #include <chrono>
 
+#include "acquisition/acquisition_threads.h"
 #include "camera/camera_log.h"
 #include "camera/camera_shared.h"
 #include "camera/worker_stop.h"
@@ -45,6 +46,8 @@ struct CloseSteps {
     }
 
     void StopThreads() {
+        acquisition::StopAcquisitionThreads(shared, acquisition::kCloseWaits, site);
+        acquisition::ReleaseRetiredThreads(shared, acquisition::kCloseWaits.grab);
         ThreadSignals& signals = *shared.signals;
         signals.stop.Set();
         // The exit request goes out before the event is unregistered, so the woken monitor

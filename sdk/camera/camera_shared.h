@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+#include "acquisition/acquisition_state.h"
 #include "acquisition/buffer_table.h"
 #include "camera/my_port.h"
 #include "core/platform/sync_event.h"
@@ -62,8 +63,19 @@ struct CameraShared {
     std::shared_ptr<DeviceNodeMap> nodeMap;
     acquisition::BufferTable buffers;
     // One zeroed block of a buffer's size for the independent-callback delivery.
-    std::unique_ptr<uint8_t[]> copyBuffer;
+    acquisition::CopyBuffer copyBuffer;
     int32_t independentCallback = 0;
+    int32_t queueManager = 0;
+    int32_t continuousHonoursFrameCount = 0;
+    // Passes of the grab thread when the camera's acquisition mode cannot be read.
+    int64_t framesToGrab = 0xFFFFFFFF;
+
+    std::shared_ptr<acquisition::AcquisitionState> acquisition =
+        std::make_shared<acquisition::AcquisitionState>();
+    std::unique_ptr<core::WorkerThread> grabThread;
+    std::unique_ptr<core::WorkerThread> callbackThread;
+    // Threads an Abort stopped waiting for; the next Grab or the close waits for them again.
+    std::vector<std::unique_ptr<core::WorkerThread>> retiredThreads;
 
     pImageCallbackFn imageCallback = nullptr;
     pDisconnectCallbackFn disconnectCallback = nullptr;

@@ -16,6 +16,9 @@ class FeatureAccess {
   public:
     FeatureAccess(const CameraShared& shared, const core::LogSite& site) noexcept
         : nodeMap_(shared.nodeMap.get()), site_(site) {}
+    // For the camera's worker threads, which hold the node map but not the camera.
+    FeatureAccess(DeviceNodeMap* nodeMap, const core::LogSite& site) noexcept
+        : nodeMap_(nodeMap), site_(site) {}
 
     // RESULT_ERROR_XML_NODE_ACCESS_FAILED, logged, while the camera has no node map.
     RESULT CheckNodeMap() const;

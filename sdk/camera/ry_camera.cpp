@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstring>
 
+#include "acquisition/acquisition_threads.h"
 #include "camera/camera_log.h"
 #include "camera/camera_shared.h"
 #include "camera/device_description.h"
@@ -18,6 +19,9 @@ constexpr std::chrono::milliseconds kDestructorThreadWait{50};
 }  // namespace
 
 CameraShared::~CameraShared() {
+    static constexpr core::LogSite kSite{L"RyCamera", L"RYSDK::RyCamera::~RyCamera"};
+    acquisition::StopAcquisitionThreads(*this, acquisition::kDestructorWaits, kSite);
+    acquisition::ReleaseRetiredThreads(*this, kDestructorThreadWait);
     signals->stop.Set();
     signals->exitRequest.store(1);
     StopWorker(connectionThread, kDestructorThreadWait);

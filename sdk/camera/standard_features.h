@@ -30,6 +30,9 @@ class StandardFeature {
     StandardFeature(const CameraShared& shared, const core::LogSite& site, const char* name,
                     FeatureRules rules = {})
         : access_(shared, site), name_(name), rules_(rules) {}
+    StandardFeature(DeviceNodeMap* nodeMap, const core::LogSite& site, const char* name,
+                    FeatureRules rules = {})
+        : access_(nodeMap, site), name_(name), rules_(rules) {}
 
     // Writers: node map, node, kind, (available,) not read-only, then the write.
     RESULT SetInteger(int64_t value, IntegerWrite how = {}) const;

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
@@ -44,24 +45,27 @@ class AravisFakeCamera : public ::testing::Test {
         UseSyslogEventLog();
     }
 
+    // The fake camera needs a moment to bind its sockets; each try discovers anew.
+    static bool Answers() {
+        for (int attempt = 0; attempt < 30; ++attempt) {
+            RyGigE probe;
+            probe.SetDiscoveryTimeout(200);
+            unsigned int count = 0;
+            if (probe.Open() == RESULT_SUCCESS && probe.GetNumCameras(&count) == RESULT_SUCCESS &&
+                count > 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     pid_t child_ = -1;
 };
 
 TEST_F(AravisFakeCamera, OpensReadsItsFeaturesAndClosesCleanly) {
     OBJECT_INFO object{};
     RyCamera* camera = nullptr;
-    RESULT opened = RESULT_ERROR_NO_CAMERAS;
-    // The fake camera needs a moment to bind its sockets; each try discovers anew.
-    for (int attempt = 0; attempt < 30 && opened == RESULT_ERROR_NO_CAMERAS; ++attempt) {
-        RyGigE probe;
-        probe.SetDiscoveryTimeout(200);
-        unsigned int count = 0;
-        if (probe.Open() == RESULT_SUCCESS && probe.GetNumCameras(&count) == RESULT_SUCCESS &&
-            count > 0) {
-            opened = RESULT_SUCCESS;
-        }
-    }
-    ASSERT_EQ(opened, RESULT_SUCCESS) << "the fake camera did not answer discovery";
+    ASSERT_TRUE(Answers()) << "the fake camera did not answer discovery";
 
     RyGigE gige;
     gige.SetDiscoveryTimeout(300);
@@ -104,6 +108,50 @@ TEST_F(AravisFakeCamera, OpensReadsItsFeaturesAndClosesCleanly) {
     EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(1));
     // Closed cleanly: the fake camera is free for the next application.
     ASSERT_EQ(gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr, nullptr), RESULT_SUCCESS);
+    EXPECT_EQ(gige.CloseCamera(camera), RESULT_SUCCESS);
+}
+
+struct FakeFrames {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    std::atomic<int> complete{0};
+    std::atomic<int> other{0};
+    std::atomic<uint32_t> lastBlock{0};
+    std::atomic<bool> inOrder{true};
+};
+
+TEST_F(AravisFakeCamera, StreamsFramesIntoTheImageCallback) {
+    ASSERT_TRUE(Answers()) << "the fake camera did not answer discovery";
+    FakeFrames frames;
+    OBJECT_INFO object{&frames, nullptr};
+    RyGigE gige;
+    gige.SetDiscoveryTimeout(300);
+    RyCamera* camera = nullptr;
+    auto onImage = [](OBJECT_INFO* owner, IMAGE_INFO* image) {
+        auto* seen = static_cast<FakeFrames*>(owner->pUserPointer);
+        const bool whole = image->bufferStatus == 0 && image->width == seen->width &&
+                           image->height == seen->height && image->pImage != nullptr;
+        (whole ? seen->complete : seen->other)++;
+        // Its 16-bit block ids wrap from 65535 to 1.
+        const uint32_t last = seen->lastBlock.exchange(image->blockId);
+        if (image->blockId <= last && !(last == 65535 && image->blockId == 1))
+            seen->inOrder = false;
+    };
+    ASSERT_EQ(gige.OpenCamera(0u, &camera, 8, 0, 0, 0, &object, onImage, nullptr), RESULT_SUCCESS);
+    ASSERT_EQ(camera->GetWidth(&frames.width), RESULT_SUCCESS);
+    ASSERT_EQ(camera->GetHeight(&frames.height), RESULT_SUCCESS);
+    ASSERT_EQ(camera->Grab(), RESULT_SUCCESS);
+    const auto began = std::chrono::steady_clock::now();
+    while (frames.complete < 10 &&
+           std::chrono::steady_clock::now() - began < std::chrono::seconds(10))
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(camera->Abort(), RESULT_SUCCESS);
+    EXPECT_GE(frames.complete, 10);
+    EXPECT_EQ(frames.other, 0);
+    EXPECT_TRUE(frames.inOrder);
+    uint64_t lost = 1;
+    EXPECT_EQ(camera->GetNumLostImage(lost), RESULT_SUCCESS);
+    EXPECT_EQ(lost, 0u);
     EXPECT_EQ(gige.CloseCamera(camera), RESULT_SUCCESS);
 }
 

@@ -33,6 +33,11 @@ class WorkerThread {
     // Lets a thread that did not end in time run on by itself.
     void Detach();
 
+    // Waits at most `timeout` for the body to return, without joining; true when it has.
+    bool WaitFinished(std::chrono::milliseconds timeout) const {
+        return finished_ == nullptr || finished_->WaitFor(timeout);
+    }
+
     bool Attached() const noexcept { return thread_.joinable(); }
     bool Finished() const { return finished_ == nullptr || finished_->IsSet(); }
 
