@@ -19,12 +19,25 @@ RYSDK_API RESULT CameraClose(RYCAMERA_HANDLE camera);
 /* *adapter is owned by the SDK, valid until CloseRyGigE. */
 RYSDK_API RESULT CameraGetInterfaceHandle(RYCAMERA_HANDLE camera, RYINTERFACE_HANDLE* adapter);
 
-/* ---- Buffers ------------------------------------------------------------------------ */
+/* ---- Acquisition -------------------------------------------------------------------- */
 
+RYSDK_API RESULT CameraGrab(RYCAMERA_HANDLE camera);
+RYSDK_API RESULT CameraSnap(RYCAMERA_HANDLE camera, uint32_t frames);
+RYSDK_API RESULT CameraAbort(RYCAMERA_HANDLE camera);
+/* The next frame when no image callback is set; image->pImage points into the camera's
+ * buffer pool and stays valid until the grab thread queues the buffer again. */
+RYSDK_API RESULT CameraGetGrabData(RYCAMERA_HANDLE camera, IMAGE_INFO* image);
+RYSDK_API RESULT CameraGetGrabCondition(RYCAMERA_HANDLE camera, int32_t* grabbing);
+RYSDK_API RESULT CameraSetAcquisitionTimeOut(RYCAMERA_HANDLE camera, uint32_t timeoutMs);
+RYSDK_API RESULT CameraGetAcquisitionTimeOut(RYCAMERA_HANDLE camera, uint32_t* timeoutMs);
 RYSDK_API RESULT CameraChangeBufferFormat(RYCAMERA_HANDLE camera, uint32_t count, uint32_t width,
                                           uint32_t height, PIXEL_FORMAT format);
 RYSDK_API RESULT CameraGetBufferInfo(RYCAMERA_HANDLE camera, uint32_t* count, uint32_t* width,
                                      uint32_t* height, PIXEL_FORMAT* format);
+RYSDK_API RESULT CameraGetStreamInfo(RYCAMERA_HANDLE camera, STREAM_INFO item, uint32_t* value);
+RYSDK_API RESULT CameraUseIndependentCallback(RYCAMERA_HANDLE camera, int32_t on);
+/* Set before CameraGrab or CameraSnap; null hands frames to CameraGetGrabData instead. */
+RYSDK_API RESULT CameraSetImageCallback(RYCAMERA_HANDLE camera, pImageCallbackFn callback);
 
 /* ---- Standard features -------------------------------------------------------------- */
 
@@ -60,6 +73,7 @@ RYSDK_API RESULT CameraGetBinningVerticalLineup(RYCAMERA_HANDLE camera, uint32_t
 RYSDK_API RESULT CameraGetBinningVerticalLineupNum(RYCAMERA_HANDLE camera, uint32_t* count);
 RYSDK_API RESULT CameraGetBinningFactor(RYCAMERA_HANDLE camera, uint32_t* factor);
 RYSDK_API RESULT CameraSetBinningFactor(RYCAMERA_HANDLE camera, uint32_t factor);
+RYSDK_API RESULT CameraGetFrameCapacity(RYCAMERA_HANDLE camera, uint32_t* frames);
 RYSDK_API RESULT CameraSetStreamHold(RYCAMERA_HANDLE camera, uint32_t hold);
 RYSDK_API RESULT CameraGetStreamHold(RYCAMERA_HANDLE camera, uint32_t* hold);
 RYSDK_API RESULT CameraSetSCPSPacketSize(RYCAMERA_HANDLE camera, uint32_t size);

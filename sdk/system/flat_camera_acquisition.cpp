@@ -22,3 +22,24 @@ extern "C" RYSDK_API ::RESULT CameraGetBufferInfo(RYCAMERA_HANDLE handle, uint32
         return camera.GetBufferInfo(*count, *width, *height, *As<RYSDK::PIXEL_FORMAT>(format));
     });
 }
+
+RY_FLAT_FORWARD(Camera, CameraGrab, (RYCAMERA_HANDLE handle), Grab())
+RY_FLAT_FORWARD(Camera, CameraSnap, (RYCAMERA_HANDLE handle, uint32_t frames), Snap(frames))
+RY_FLAT_FORWARD(Camera, CameraAbort, (RYCAMERA_HANDLE handle), Abort())
+RY_FLAT_FORWARD_OUT(Camera, CameraGetGrabData, (RYCAMERA_HANDLE handle, IMAGE_INFO* image), image,
+                    GetGrabData(As<RYSDK::IMAGE_INFO>(image)))
+RY_FLAT_FORWARD_OUT(Camera, CameraGetGrabCondition, (RYCAMERA_HANDLE handle, int32_t* grabbing),
+                    grabbing, GetGrabCondition(*grabbing))
+RY_FLAT_FORWARD(Camera, CameraSetAcquisitionTimeOut, (RYCAMERA_HANDLE handle, uint32_t timeoutMs),
+                SetAcquisitionTimeOut(timeoutMs))
+RY_FLAT_FORWARD(Camera, CameraGetAcquisitionTimeOut, (RYCAMERA_HANDLE handle, uint32_t* timeoutMs),
+                GetAcquisitionTimeOut(timeoutMs))
+RY_FLAT_FORWARD_OUT(Camera, CameraGetStreamInfo,
+                    (RYCAMERA_HANDLE handle, STREAM_INFO item, uint32_t* value), value,
+                    GetStreamInfo(Enum<RYSDK::STREAM_INFO>(item), *value))
+RY_FLAT_FORWARD(Camera, CameraUseIndependentCallback, (RYCAMERA_HANDLE handle, int32_t on),
+                UseIndependentCallback(on))
+RY_FLAT_FORWARD(Camera, CameraSetImageCallback, (RYCAMERA_HANDLE handle, pImageCallbackFn callback),
+                SetImageCallback(RYSDK::flat::Callback(callback)))
+RY_FLAT_FORWARD(Camera, CameraGetFrameCapacity, (RYCAMERA_HANDLE handle, uint32_t* frames),
+                GetFrameCapacity(frames))

@@ -1,9 +1,12 @@
 // The flat C functions that do more than forward, against an emulated camera on loopback.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "private_network.h"
 #include "ry/emulator/camera.h"
@@ -182,6 +185,48 @@ TEST_F(FlatInterface, ConvertedArgumentsReachTheCamera) {
     EXPECT_EQ(RyGetDiscoveryTimeout(system_, nullptr), RESULT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RyGetDiscoveryTimeout(system_, &timeout), RESULT_SUCCESS);
     EXPECT_EQ(timeout, 300u);
+    EXPECT_EQ(CameraClose(camera), RESULT_SUCCESS);
+}
+
+// The callback has the C header's types; the SDK calls it through its own.
+std::atomic<int> framesSeen{0};
+std::atomic<uint32_t> lastWidth{0};
+std::atomic<void*> lastObject{nullptr};
+
+void OnImage(OBJECT_INFO* object, IMAGE_INFO* image) {
+    lastObject = object;
+    lastWidth = image->width;
+    ++framesSeen;
+}
+
+TEST_F(FlatInterface, FramesReachACCallbackAndThePollingCall) {
+    RYCAMERA_HANDLE camera = nullptr;
+    ASSERT_EQ(RyOpenCameraByIndex(system_, 0, &camera, 4, 0, 0, 0, &object_, OnImage, nullptr),
+              RESULT_SUCCESS);
+    ASSERT_EQ(CameraSnap(camera, 3), RESULT_SUCCESS);
+    for (int i = 0; i < 500 && framesSeen < 3; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(framesSeen, 3);
+    EXPECT_EQ(lastWidth, 320u);
+    EXPECT_EQ(lastObject, &object_);
+    CameraAbort(camera);
+
+    ASSERT_EQ(CameraSetImageCallback(camera, nullptr), RESULT_SUCCESS);
+    ASSERT_EQ(CameraSetAcquisitionTimeOut(camera, 3000), RESULT_SUCCESS);
+    ASSERT_EQ(CameraGrab(camera), RESULT_SUCCESS);
+    int32_t grabbing = 0;
+    EXPECT_EQ(CameraGetGrabCondition(camera, &grabbing), RESULT_SUCCESS);
+    EXPECT_EQ(grabbing, 1);
+    IMAGE_INFO image{};
+    EXPECT_EQ(CameraGetGrabData(camera, nullptr), RESULT_ERROR_INVALID_PARAMETER);
+    ASSERT_EQ(CameraGetGrabData(camera, &image), RESULT_SUCCESS);
+    EXPECT_EQ(image.width, 320u);
+    EXPECT_EQ(image.height, 240u);
+    EXPECT_NE(image.pImage, nullptr);
+    EXPECT_EQ(CameraAbort(camera), RESULT_SUCCESS);
+    uint32_t lost = 99;
+    EXPECT_EQ(CameraGetStreamInfo(camera, STREAM_INFO_LOST_FRAMES, &lost), RESULT_SUCCESS);
+    EXPECT_EQ(lost, 0u);
     EXPECT_EQ(CameraClose(camera), RESULT_SUCCESS);
 }
 
