@@ -125,6 +125,48 @@ TEST_F(RycamCommands, AFileGoesToTheCameraAndComesBack) {
     EXPECT_EQ(RunRycam({"file", "get", "0", "NoSuchFile", back}).status, 1);
 }
 
+// The PNG colour type: 0 grey, 2 RGB (byte 25 of the file, in the IHDR chunk).
+int PngColourType(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    char header[26] = {};
+    file.read(header, sizeof(header));
+    return file && std::string(header + 1, 3) == "PNG" ? header[25] : -1;
+}
+
+TEST_F(RycamCommands, GrabWritesEveryFrameAsPngAndReportsTheStream) {
+    emulator_.reset();
+    ry::emulator::CameraConfig config;
+    config.address = "127.0.0.2";
+    config.pixel_format = "BayerGB8";
+    config.width = 64;
+    config.height = 48;
+    config.fps = 200;
+    emulator_ = std::make_unique<ry::emulator::Camera>(config);
+
+    const std::string directory = ::testing::TempDir() + "rycam_grab";
+    const Outcome grab =
+        RunRycam({"grab", "0", "--count", "12", "--output", directory, "--timeout", "200"});
+    EXPECT_EQ(grab.status, 0) << grab.err;
+    EXPECT_NE(grab.out.find("frames received          12\n"), std::string::npos) << grab.out;
+    EXPECT_NE(grab.out.find("files written            12\n"), std::string::npos) << grab.out;
+    EXPECT_NE(grab.out.find("lost (no free buffer)    0\n"), std::string::npos) << grab.out;
+    EXPECT_EQ(PngColourType(directory + "/frame_00000.png"), 2) << "Bayer frames become colour";
+    EXPECT_EQ(PngColourType(directory + "/frame_00011.png"), 2);
+    EXPECT_EQ(PngColourType(directory + "/frame_00012.png"), -1) << "one file a frame";
+    EXPECT_EQ(grab.err.find('['), std::string::npos) << "no progress bar off a terminal";
+
+    const Outcome stats = RunRycam({"stats", "0", "--seconds", "1", "--timeout", "200"});
+    EXPECT_EQ(stats.status, 0) << stats.err;
+    EXPECT_NE(stats.out.find("delivered by stream"), std::string::npos) << stats.out;
+
+    EXPECT_EQ(RunRycam({"grab", "0", "--count", "0"}).status, 2);
+    const Outcome unwritable =
+        RunRycam({"grab", "0", "--count", "1", "--output", "/proc/rycam", "--timeout", "200"});
+    EXPECT_EQ(unwritable.status, 1);
+    EXPECT_NE(unwritable.err.find("cannot create /proc/rycam"), std::string::npos)
+        << unwritable.err;
+}
+
 TEST_F(RycamCommands, NoCameraIsItsOwnStatus) {
     emulator_.reset();
     const Outcome outcome = RunRycam({"list", "--timeout", "200"});

@@ -72,7 +72,7 @@ int Session::OpenCamera(const Arguments& arguments, const std::string& selector,
     unsigned int index = 0;
     if (const int status = Select(selector, index); status != kExitOk)
         return status;
-    object_.pContext = settings.user;
+    object_.pUserPointer = settings.user;
     const RYSDK::RESULT result = gige_.OpenCamera(index, &camera_, settings.buffers, 0, 0, 0,
                                                   &object_, settings.imageCallback, nullptr);
     if (result != RYSDK::RESULT_SUCCESS) {

@@ -16,7 +16,7 @@ inline constexpr const char* kCameraHelp =
 struct OpenSettings {
     unsigned int buffers = 4;
     RYSDK::pImageCallbackFn imageCallback = nullptr;
-    void* user = nullptr;  // handed back as OBJECT_INFO::pContext
+    void* user = nullptr;  // handed back to the callback as OBJECT_INFO::pUserPointer
 };
 
 class Session {

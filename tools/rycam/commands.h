@@ -11,6 +11,8 @@ int GetCommand(int argc, char** argv);
 int SetCommand(int argc, char** argv);
 int SerialCommand(int argc, char** argv);
 int FileCommand(int argc, char** argv);
+int GrabCommand(int argc, char** argv);
+int StatsCommand(int argc, char** argv);
 int EmulateCommand(int argc, char** argv);
 
 }  // namespace rycam
