@@ -14,15 +14,16 @@ void FrameQueue::Offer(const RYSDK::IMAGE_INFO& image) {
     const std::lock_guard lock(mutex_);
     ++received_;
     receivedBytes_ += bytes;
-    if (capacity_ == 0)
+    if (budget_ == 0)
         return;
-    if (frames_.size() >= capacity_ || image.pImage == nullptr) {
+    if (queuedBytes_ + bytes > budget_ || image.pImage == nullptr) {
         ++skipped_;
         return;
     }
     const auto* pixels = static_cast<const uint8_t*>(image.pImage);
     frames_.push_back(Frame{image.pixelFormat, image.width, image.height, image.blockId,
                             std::vector<uint8_t>(pixels, pixels + bytes)});
+    queuedBytes_ += bytes;
     arrived_.notify_one();
 }
 
@@ -32,6 +33,7 @@ std::optional<Frame> FrameQueue::Take(std::chrono::milliseconds wait) {
         return std::nullopt;
     Frame frame = std::move(frames_.front());
     frames_.pop_front();
+    queuedBytes_ -= frame.data.size();
     return frame;
 }
 

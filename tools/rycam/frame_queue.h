@@ -25,8 +25,8 @@ struct Frame {
 
 class FrameQueue {
   public:
-    // Holds at most `capacity` frames; 0 keeps none and only counts.
-    explicit FrameQueue(size_t capacity) : capacity_(capacity) {}
+    // Holds frames of at most `byteBudget` bytes in all; 0 keeps none and only counts.
+    explicit FrameQueue(size_t byteBudget) : budget_(byteBudget) {}
 
     // The image callback: `object->pUserPointer` is the queue. Thread: the grab thread.
     static void Callback(RYSDK::OBJECT_INFO* object, RYSDK::IMAGE_INFO* image);
@@ -42,7 +42,8 @@ class FrameQueue {
   private:
     void Offer(const RYSDK::IMAGE_INFO& image);
 
-    const size_t capacity_;
+    const size_t budget_;
+    size_t queuedBytes_ = 0;
     mutable std::mutex mutex_;
     std::condition_variable arrived_;
     std::deque<Frame> frames_;

@@ -20,8 +20,9 @@ namespace {
 constexpr const char* kUsage =
     "rycam grab CAMERA [--count N] [--output DIR] [--buffers N] [--frame-timeout MS] "
     "[--no-progress] [--timeout MS]";
-// Frames waiting for the writer, beyond the camera's own buffers.
-constexpr size_t kQueuedFrames = 64;
+// Frames waiting for the writer, beyond the camera's own buffers: writing PNG files is
+// slower than most cameras, so a burst is held in memory up to this much.
+constexpr size_t kQueueBytes = size_t{1} << 30;
 
 struct GrabOptions {
     unsigned long count = 0;
@@ -59,12 +60,12 @@ bool SaveFrame(const Frame& frame, const std::filesystem::path& directory, uint6
     return true;
 }
 
-// Takes frames until `count` are saved; false when one could not be written or none came in
-// time.
+// Takes frames until every one of the burst is saved or was skipped (the queue was full);
+// false when one could not be written or the camera stopped sending.
 bool SaveFrames(FrameQueue& queue, const GrabOptions& options, bool progressShown,
                 GrabTally& tally) {
     Progress progress(options.count, progressShown);
-    for (uint64_t saved = 0; saved < options.count;) {
+    for (uint64_t saved = 0; saved + queue.Skipped() < options.count;) {
         std::optional<Frame> frame = queue.Take(std::chrono::milliseconds(options.frameTimeoutMs));
         if (!frame) {
             std::fprintf(stderr, "\nrycam: no frame for %lu ms after %llu of %lu\n",
@@ -108,7 +109,7 @@ int GrabCommand(int argc, char** argv) {
                      error.message().c_str());
         return kExitFailure;
     }
-    FrameQueue queue(kQueuedFrames);
+    FrameQueue queue(kQueueBytes);
     Session session;
     const OpenSettings settings{static_cast<unsigned int>(options->buffers), FrameQueue::Callback,
                                 &queue};

@@ -54,6 +54,7 @@ bool Encode(PngWrite& write, FILE* file, const Picture& picture, png_bytep* rows
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     // Frames are many and large: speed matters more than the last percent of size.
     png_set_compression_level(write.png(), 1);
+    png_set_filter(write.png(), PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
     png_write_info(write.png(), write.info());
     if (picture.channels == 3)
         png_set_bgr(write.png());
