@@ -12,18 +12,12 @@ if [ ! -x "$bin/rycam" ]; then
     exit 1
 fi
 
-ready=$(mktemp)
-"$bin/rycam" emulate --address 127.0.0.1 --model RY-EMU-C --serial DEMO0001 \
-    --width 1280 --height 1024 --pixel-format BayerRG8 --fps 60 >"$ready" &
-emulator=$!
-trap 'kill "$emulator" 2>/dev/null; wait "$emulator" 2>/dev/null || true; rm -f "$ready"' EXIT
-# The emulator prints a line per camera once it serves.
-for _ in $(seq 50); do
-    [ -s "$ready" ] && break
-    sleep 0.1
-done
+# shellcheck source=start-emulator.sh
+source scripts/start-emulator.sh
+start_emulator "$bin/rycam" emulate --address 127.0.0.1 --model RY-EMU-C --serial DEMO0001 \
+    --width 1280 --height 1024 --pixel-format BayerRG8 --fps 60
 
-echo "== an emulated colour camera: $(cat "$ready")"
+echo "== an emulated colour camera: $EMULATOR_LINE"
 echo "== rycam list"
 "$bin/rycam" list
 echo "== rycam grab 0 --count $frames --output $output"

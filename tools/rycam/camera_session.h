@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "cli.h"
 #include "rysdk/RyCamera.h"
@@ -46,5 +47,22 @@ class Session {
     RYSDK::RyCamera* camera_ = nullptr;
     RYSDK::RYCAMERA_INFO record_;
 };
+
+// The common shape of a command on one camera: parses its arguments (`positionals` of them,
+// the camera's at `cameraAt`, and --timeout), opens the camera and runs `body`. Returns the
+// exit status.
+template <typename Body>
+int RunOnCamera(int argc, char** argv, const char* usage, size_t positionals, size_t cameraAt,
+                Body&& body) {
+    const auto arguments =
+        ParseArguments(argc, argv, usage, {"--timeout"}, {}, positionals, positionals);
+    if (!arguments)
+        return kExitUsage;
+    Session session;
+    if (const int status = session.OpenCamera(*arguments, arguments->positional[cameraAt]);
+        status != kExitOk)
+        return status;
+    return body(session, arguments->positional);
+}
 
 }  // namespace rycam

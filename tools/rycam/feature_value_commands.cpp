@@ -19,42 +19,33 @@ int PrintFeature(Session& session, const std::string& name) {
     return kExitOk;
 }
 
-}  // namespace
-
-int GetCommand(int argc, char** argv) {
-    const auto arguments = ParseArguments(argc, argv, "rycam get CAMERA FEATURE [--timeout MS]",
-                                          {"--timeout"}, {}, 2, 2);
-    if (!arguments)
-        return kExitUsage;
-    Session session;
-    if (const int status = session.OpenCamera(*arguments, arguments->positional[0]);
-        status != kExitOk)
-        return status;
-    return PrintFeature(session, arguments->positional[1]);
-}
-
 // Prints the value the camera holds afterwards, which may differ from the one asked for
 // (a number rounded to the feature's increment, for instance); a feature that cannot be
 // read back (a command) prints nothing.
-int SetCommand(int argc, char** argv) {
-    const auto arguments = ParseArguments(
-        argc, argv, "rycam set CAMERA FEATURE VALUE [--timeout MS]", {"--timeout"}, {}, 3, 3);
-    if (!arguments)
-        return kExitUsage;
-    Session session;
-    if (const int status = session.OpenCamera(*arguments, arguments->positional[0]);
-        status != kExitOk)
-        return status;
-    const std::string& name = arguments->positional[1];
-    const std::string& value = arguments->positional[2];
-    const RYSDK::RESULT result =
-        session.Camera().SetCustomCommand(name.c_str(), value.c_str(), value.size());
+int WriteFeature(RYSDK::RyCamera& camera, const std::string& name, const std::string& value) {
+    const RYSDK::RESULT result = camera.SetCustomCommand(name.c_str(), value.c_str(), value.size());
     if (result != RYSDK::RESULT_SUCCESS)
         return ReportFailure(("writing " + SafeText(name)).c_str(), result);
     std::string now;
-    if (ReadFeature(session.Camera(), name, now) == RYSDK::RESULT_SUCCESS)
+    if (ReadFeature(camera, name, now) == RYSDK::RESULT_SUCCESS)
         std::printf("%s\n", SafeText(now).c_str());
     return kExitOk;
+}
+
+}  // namespace
+
+int GetCommand(int argc, char** argv) {
+    return RunOnCamera(argc, argv, "rycam get CAMERA FEATURE [--timeout MS]", 2, 0,
+                       [](Session& session, const std::vector<std::string>& positional) {
+                           return PrintFeature(session, positional[1]);
+                       });
+}
+
+int SetCommand(int argc, char** argv) {
+    return RunOnCamera(argc, argv, "rycam set CAMERA FEATURE VALUE [--timeout MS]", 3, 0,
+                       [](Session& session, const std::vector<std::string>& positional) {
+                           return WriteFeature(session.Camera(), positional[1], positional[2]);
+                       });
 }
 
 }  // namespace rycam

@@ -93,26 +93,25 @@ std::unique_ptr<RyGenApi::CNodeMapRef> LoadDescription(RYSDK::RyCamera& camera) 
     return nodeMap;
 }
 
-}  // namespace
-
-int FeaturesCommand(int argc, char** argv) {
-    const auto arguments =
-        ParseArguments(argc, argv, "rycam features CAMERA [--timeout MS]", {"--timeout"}, {}, 1, 1);
-    if (!arguments)
-        return kExitUsage;
-    Session session;
-    if (const int status = session.OpenCamera(*arguments, arguments->positional[0]);
-        status != kExitOk)
-        return status;
-    const auto nodeMap = LoadDescription(session.Camera());
+void PrintTree(RYSDK::RyCamera& camera) {
+    const auto nodeMap = LoadDescription(camera);
     RyGenApi::INode* root = nodeMap != nullptr ? nodeMap->_GetNode("Root") : nullptr;
     if (root == nullptr) {
         std::fprintf(stderr, "rycam: the description has no categories; the features, flat:\n");
-        PrintFlat(session.Camera());
-        return kExitOk;
+        PrintFlat(camera);
+        return;
     }
-    TreePrinter(session.Camera()).Print(root, 0);
-    return kExitOk;
+    TreePrinter(camera).Print(root, 0);
+}
+
+}  // namespace
+
+int FeaturesCommand(int argc, char** argv) {
+    return RunOnCamera(argc, argv, "rycam features CAMERA [--timeout MS]", 1, 0,
+                       [](Session& session, const std::vector<std::string>&) {
+                           PrintTree(session.Camera());
+                           return kExitOk;
+                       });
 }
 
 }  // namespace rycam

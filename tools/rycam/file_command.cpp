@@ -83,22 +83,15 @@ int Put(RYSDK::RyCamera& camera, const std::string& name, const std::string& pat
 }  // namespace
 
 int FileCommand(int argc, char** argv) {
-    const auto arguments = ParseArguments(argc, argv, kUsage, {"--timeout"}, {}, 4, 4);
-    if (!arguments)
-        return kExitUsage;
-    const std::string& direction = arguments->positional[0];
-    if (direction != "get" && direction != "put") {
+    if (argc < 1 || (std::strcmp(argv[0], "get") != 0 && std::strcmp(argv[0], "put") != 0)) {
         std::fprintf(stderr, "usage: %s\n", kUsage);
         return kExitUsage;
     }
-    Session session;
-    if (const int status = session.OpenCamera(*arguments, arguments->positional[1]);
-        status != kExitOk)
-        return status;
-    const std::string& name = arguments->positional[2];
-    const std::string& path = arguments->positional[3];
-    return direction == "get" ? Get(session.Camera(), name, path)
-                              : Put(session.Camera(), name, path);
+    return RunOnCamera(
+        argc, argv, kUsage, 4, 1, [](Session& session, const std::vector<std::string>& positional) {
+            return positional[0] == "get" ? Get(session.Camera(), positional[2], positional[3])
+                                          : Put(session.Camera(), positional[2], positional[3]);
+        });
 }
 
 }  // namespace rycam

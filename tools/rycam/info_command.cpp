@@ -29,27 +29,26 @@ void PrintRecord(const RYSDK::RYCAMERA_INFO& record) {
     std::printf("%-22s %s\n", "MAC address", SafeField(record.m_MACAddress).c_str());
 }
 
-}  // namespace
-
-int InfoCommand(int argc, char** argv) {
-    const auto arguments =
-        ParseArguments(argc, argv, "rycam info CAMERA [--timeout MS]", {"--timeout"}, {}, 1, 1);
-    if (!arguments)
-        return kExitUsage;
-    Session session;
-    if (const int status = session.OpenCamera(*arguments, arguments->positional[0]);
-        status != kExitOk)
-        return status;
-    PrintRecord(session.Record());
+void PrintFeatures(RYSDK::RyCamera& camera) {
     for (const char* feature : kInfoFeatures) {
         std::string value;
-        if (ReadFeature(session.Camera(), feature, value) == RYSDK::RESULT_SUCCESS)
+        if (ReadFeature(camera, feature, value) == RYSDK::RESULT_SUCCESS)
             std::printf("%-22s %s\n", feature, SafeText(value).c_str());
     }
     int32_t properties = 0;
-    if (session.Camera().GetPropertyCount(&properties) == RYSDK::RESULT_SUCCESS)
+    if (camera.GetPropertyCount(&properties) == RYSDK::RESULT_SUCCESS)
         std::printf("%-22s %d (see 'rycam features')\n", "Features", properties);
-    return kExitOk;
+}
+
+}  // namespace
+
+int InfoCommand(int argc, char** argv) {
+    return RunOnCamera(argc, argv, "rycam info CAMERA [--timeout MS]", 1, 0,
+                       [](Session& session, const std::vector<std::string>&) {
+                           PrintRecord(session.Record());
+                           PrintFeatures(session.Camera());
+                           return kExitOk;
+                       });
 }
 
 }  // namespace rycam
