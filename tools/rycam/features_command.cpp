@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "camera_session.h"
 #include "commands.h"
@@ -17,7 +18,7 @@ namespace rycam {
 namespace {
 
 constexpr uint32_t kCategoryType = 8;  // RyGenApi::intfICategory
-constexpr int kMaxDepth = 64;          // a description whose categories nest in a cycle
+constexpr int kMaxDepth = 64;
 
 const char* AccessText(uint32_t accessMode) {
     static const char* const kTexts[] = {"NI", "NA", "WO", "RO", "RW"};
@@ -28,25 +29,31 @@ class TreePrinter {
   public:
     explicit TreePrinter(RYSDK::RyCamera& camera) : camera_(camera) {}
 
+    // Each node once: a description whose categories nest in a cycle ends there.
     void Print(RyGenApi::INode* node, int depth) {
-        if (node == nullptr || depth > kMaxDepth || !visited_.insert(node).second)
-            return;
+        const bool firstVisit = node != nullptr && visited_.insert(node).second;
         RYSDK::_PROPERTY property{};
-        if (camera_.GetPropertyInfo(node->GetName().c_str(), &property) != RYSDK::RESULT_SUCCESS)
-            return;  // invisible or not implemented: the SDK does not list it
-        PrintLine(property, depth);
-        auto* category = dynamic_cast<RyGenApi::ICategory*>(node);
-        if (category == nullptr)
+        // Invisible or unimplemented features are not in the SDK's list, and not shown.
+        if (!firstVisit || depth > kMaxDepth ||
+            camera_.GetPropertyInfo(node->GetName().c_str(), &property) != RYSDK::RESULT_SUCCESS)
             return;
-        RyGenApi::FeatureList_t features;
-        category->GetFeatures(features);
-        for (RyGenApi::IValue* feature : features) {
-            if (feature != nullptr)
-                Print(feature->GetNode(), depth + 1);
-        }
+        PrintLine(property, depth);
+        for (RyGenApi::INode* member : Members(node))
+            Print(member, depth + 1);
     }
 
   private:
+    static std::vector<RyGenApi::INode*> Members(RyGenApi::INode* node) {
+        std::vector<RyGenApi::INode*> members;
+        if (auto* category = dynamic_cast<RyGenApi::ICategory*>(node)) {
+            RyGenApi::FeatureList_t features;
+            category->GetFeatures(features);
+            for (RyGenApi::IValue* feature : features)
+                members.push_back(feature != nullptr ? feature->GetNode() : nullptr);
+        }
+        return members;
+    }
+
     void PrintLine(const RYSDK::_PROPERTY& property, int depth) {
         const std::string name = SafeField(property.name);
         if (property.type == kCategoryType) {
