@@ -5,7 +5,6 @@
 
 #include <fstream>
 #include <functional>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -107,15 +106,17 @@ const std::set<std::string> kNotForwarders = {"OpenRyGigE", "CloseRyGigE", "Came
 
 std::set<std::string> DeclaredFunctions() {
     std::set<std::string> names;
-    const std::regex declaration(R"(RYSDK_API RESULT (\w+)\()");
+    const std::string declaration = "RYSDK_API RESULT ";
     for (const char* header : {"rysdk_c.h", "rysdk_c_camera.h"}) {
         std::ifstream file(std::string(RY_SDK_INCLUDE_DIR) + "/rysdk/" + header);
         std::stringstream text;
         text << file.rdbuf();
         const std::string content = text.str();
-        for (std::sregex_iterator it(content.begin(), content.end(), declaration), end; it != end;
-             ++it)
-            names.insert((*it)[1]);
+        for (size_t at = content.find(declaration); at != std::string::npos;
+             at = content.find(declaration, at + 1)) {
+            const size_t begin = at + declaration.size();
+            names.insert(content.substr(begin, content.find('(', begin) - begin));
+        }
     }
     return names;
 }
