@@ -1,12 +1,19 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release tree and runs the whole test suite inside a
-# private network namespace, then gives the node map's fuzz targets (clang's libFuzzer) a
-# short run of their own. Extra arguments go to the main suite's ctest.
+# private network namespace, runs the acquisition tests again under the thread sanitizer,
+# then gives the fuzz targets (clang's libFuzzer) a short run of their own. Extra arguments
+# go to the main suite's ctest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
 bash scripts/build.sh
 bash scripts/in-private-net.sh ctest --test-dir build --output-on-failure -j2 "$@"
+
+# The acquisition threads once more under the thread sanitizer, one test at a time: the
+# sanitizer slows the receiver enough that two loaded cases side by side lose frames.
+cmake --preset tsan >/dev/null
+cmake --build --preset tsan --target acquisition_emulator_tests
+bash scripts/in-private-net.sh ctest --test-dir build-tsan -L acquisition --output-on-failure
 
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz

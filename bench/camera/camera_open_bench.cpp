@@ -18,16 +18,12 @@
 #include <string>
 #include <vector>
 
+#include "first_camera.h"
 #include "loop_program.h"
-#include "ry/emulator/camera.h"
-#include "rysdk/RyCamera.h"
-#include "rysdk/RyEventLog.h"
-#include "rysdk/RyGigE.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr const char* kAddress = "127.0.0.2";
 
 double MillisecondsSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
@@ -46,16 +42,14 @@ double Percentile(std::vector<double> values, double fraction) {
     return values[index];
 }
 
-bool OursOnce(RYSDK::RyGigE& gige, Samples& samples) {
-    RYSDK::OBJECT_INFO object{};
-    RYSDK::RyCamera* camera = nullptr;
+bool OursOnce(rytest::FirstCamera& first, Samples& samples) {
     auto start = Clock::now();
-    if (gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr, nullptr) !=
-        RYSDK::RESULT_SUCCESS)
+    RYSDK::RyCamera* camera = first.Open();
+    if (camera == nullptr)
         return false;
     samples.open.push_back(MillisecondsSince(start));
     start = Clock::now();
-    if (gige.CloseCamera(camera) != RYSDK::RESULT_SUCCESS)
+    if (first.Gige().CloseCamera(camera) != RYSDK::RESULT_SUCCESS)
         return false;
     samples.close.push_back(MillisecondsSince(start));
     return true;
@@ -64,7 +58,7 @@ bool OursOnce(RYSDK::RyGigE& gige, Samples& samples) {
 bool AravisOnce(Samples& samples) {
     GError* error = nullptr;
     auto start = Clock::now();
-    ArvCamera* camera = arv_camera_new(kAddress, &error);
+    ArvCamera* camera = arv_camera_new(rytest::kEmulatedCameraAddress, &error);
     if (camera == nullptr) {
         std::fprintf(stderr, "Aravis: %s\n", error != nullptr ? error->message : "no camera");
         g_clear_error(&error);
@@ -90,15 +84,11 @@ int main(int argc, char** argv) {
     int cycles = 50;
     if (const int status = rytest::PrepareLoopProgram(argc, argv, cycles); status != 0)
         return status;
-    ry::emulator::CameraConfig config;
-    config.address = kAddress;
-    const ry::emulator::Camera emulator(config);
-
-    RYSDK::RyGigE gige;
-    gige.SetDiscoveryTimeout(300);
+    const ry::emulator::Camera emulator(rytest::EmulatedCameraConfig());
+    rytest::FirstCamera first;
     unsigned int found = 0;
-    if (gige.Open() != RYSDK::RESULT_SUCCESS ||
-        gige.GetNumCameras(&found) != RYSDK::RESULT_SUCCESS || found != 1) {
+    if (first.Gige().Open() != RYSDK::RESULT_SUCCESS ||
+        first.Gige().GetNumCameras(&found) != RYSDK::RESULT_SUCCESS || found != 1) {
         std::fprintf(stderr, "the emulated camera was not discovered\n");
         return 1;
     }
@@ -106,7 +96,7 @@ int main(int argc, char** argv) {
 
     Samples ours, aravis;
     for (int i = 0; i < cycles; ++i) {
-        if (!OursOnce(gige, ours) || !AravisOnce(aravis)) {
+        if (!OursOnce(first, ours) || !AravisOnce(aravis)) {
             std::fprintf(stderr, "cycle %d failed\n", i);
             return 1;
         }

@@ -139,6 +139,17 @@ TEST(Caching, PollingAndExplicitInvalidation) {
     f.port.Poke32LittleEndian(0, 13);
     f.map._InvalidateNodes();
     EXPECT_EQ(through->GetValue(), 13);
+    const int reads = f.port.reads;
+    EXPECT_EQ(through->GetValue(), 13);
+    EXPECT_EQ(f.port.reads, reads) << "refilled after the invalidation, served from the cache";
+
+    // The access mode is cached with the value and dropped with it.
+    auto* guarded = f.Get<IInteger>("Guarded");
+    EXPECT_EQ(guarded->GetAccessMode(), RW);
+    f.port.Poke32LittleEndian(32, 1);
+    EXPECT_EQ(guarded->GetAccessMode(), RW);
+    f.map._InvalidateNodes();
+    EXPECT_EQ(guarded->GetAccessMode(), RO);
 }
 
 }  // namespace

@@ -10,9 +10,15 @@
 //        └─────────────┘                  │ stream started (stream     │
 //               │ OpenCamera failed       │ mode), monitor threads run │
 //               ▼                         └────────────────────────────┘
-//        what the open reached stays                │ CloseCamera
-//        (see OpenCamera); CloseCamera              ▼
-//        releases it                       removed from its interface and destroyed
+//        what the open reached stays          Grab, Snap │  ▲ Abort, the grab thread's end
+//        (see OpenCamera); CloseCamera                   ▼  │ (frame count, time-out)
+//        releases it                       ┌────────────────────────────┐
+//                                          │ acquiring: grab thread     │
+//                                          │ (and callback thread) run  │
+//                                          └────────────────────────────┘
+//                                                         │ CloseCamera (from either state)
+//                                                         ▼
+//                                          removed from its interface and destroyed
 //
 // Threads: a camera is driven from one application thread at a time; OpenCamera and
 // CloseCamera must not run concurrently for one camera. The connection monitor and the
@@ -303,7 +309,8 @@ class RYSDK_API RyCamera {
     RESULT SetImageCallback(pImageCallbackFn callback);
     // The next frame when no image callback is set (RESULT_ERROR_RYCAMERA_CALLBACK_NOT_NULL
     // otherwise); RESULT_ERROR_RYCAMERA_GRAB_TIMEOUT when none comes within the acquisition
-    // time-out. pImage stays valid until the grab thread queues the buffer again.
+    // time-out. pImage stays valid until the next GetGrabData call or the end of the
+    // acquisition.
     RESULT GetGrabData(IMAGE_INFO* info);
 
     // Stream statistics, counted by the transport layer since the camera was opened.

@@ -54,6 +54,15 @@ RESULT WriteLegacySequence(TransportHandle device, const core::LogSite& site,
     return RESULT_SUCCESS;
 }
 
+// Frames completed since the last acquisition ended are dropped, and frames the camera
+// sends from now on go into buffers before the grab thread runs.
+void BeginDelivery(TransportHandle stream) {
+    if (stream == nullptr)
+        return;
+    TL().DSFlushQueue(stream, ACQ_QUEUE_ALL_TO_INPUT);
+    TL().DSStartBufferGrabbing(stream);
+}
+
 bool Executable(RyGenApi::ICommand* command) {
     return command != nullptr && RyGenApi::IsWritable(command->GetAccessMode());
 }
@@ -104,9 +113,7 @@ RESULT RyCamera::Grab() {
     RY_CAMERA_SITE(Grab);
     return RY_GUARDED(kSite, [&] {
         camera::CameraShared& shared = *m_Shared;
-        // Frames the camera sends from now on go into buffers, before the grab thread runs.
-        if (shared.stream != nullptr)
-            TL().DSStartBufferGrabbing(shared.stream);
+        BeginDelivery(shared.stream);
         if (m_PlainDevice == 0) {
             RY_LOG_EVENT(kSite, kLogDebug, L"Old GigE Model");
             const RESULT result = WriteLegacySequence(shared.device, kSite,
@@ -132,8 +139,7 @@ RESULT RyCamera::Snap(unsigned int frames) {
     RY_CAMERA_SITE(Snap);
     return RY_GUARDED(kSite, [&] {
         camera::CameraShared& shared = *m_Shared;
-        if (shared.stream != nullptr)
-            TL().DSStartBufferGrabbing(shared.stream);
+        BeginDelivery(shared.stream);
         if (m_PlainDevice == 0)
             return SnapByRegisters(shared, frames, m_AcquisitionTimeout, kSite);
         RY_LOG_EVENT(kSite, kLogDebug, L"New GigE Model");

@@ -64,15 +64,8 @@ struct AcquisitionState {
     uint64_t lastMissingPackets = 0;
     uint64_t lastResentPackets = 0;
 
-    // Stores the frame for the callback thread or a poller.
-    void SetImage(const OBJECT_INFO* object, const IMAGE_INFO& image) {
-        const std::lock_guard<std::mutex> lock(slotMutex);
-        slot.object = object != nullptr ? *object : OBJECT_INFO{};
-        slot.image = image;
-    }
-
-    // Stores the frame and the buffer it lies in for the callback thread; returns the buffer
-    // of a frame it replaced before the callback thread took it.
+    // Stores the frame and the buffer it lies in for the callback thread or a poller; returns
+    // the buffer of a frame it replaced before that was taken.
     void* SetImage(const OBJECT_INFO* object, const IMAGE_INFO& image, void* buffer) {
         const std::lock_guard<std::mutex> lock(slotMutex);
         slot.object = object != nullptr ? *object : OBJECT_INFO{};

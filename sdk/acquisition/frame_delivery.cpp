@@ -92,6 +92,8 @@ void RunCallbackLoop(const GrabSession& session) {
 
 namespace RYSDK {
 
+using camera::TL;
+
 RESULT RyCamera::SetImageCallback(pImageCallbackFn callback) {
     m_Shared->imageCallback = callback;
     return RESULT_SUCCESS;
@@ -107,6 +109,10 @@ RESULT RyCamera::GetGrabData(IMAGE_INFO* info) {
         if (info == nullptr)
             return RESULT_ERROR_INVALID_PARAMETER;
         acquisition::AcquisitionState& state = *m_Shared->acquisition;
+        // The frame handed out last time is given back to the stream now.
+        void* previous = state.TakePendingBuffer();
+        if (previous != nullptr && m_Shared->queueManager == 0 && m_Shared->stream != nullptr)
+            TL().DSQueueBuffer(m_Shared->stream, previous);
         state.grabRequest.Set();
         const bool done =
             m_AcquisitionTimeout == 0

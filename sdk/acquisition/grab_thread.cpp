@@ -171,9 +171,10 @@ class GrabLoop {
         }
         if (state_.grabbing.load() != 0) {
             const IMAGE_INFO image = Describe(buffer, base);
-            if (!Deliver(buffer, image))
-                return;  // the callback thread queues this buffer once it has copied it
+            const bool handedBack = Deliver(buffer, image);
             CheckLoss(image.blockId);
+            if (!handedBack)
+                return;  // queued once the callback thread or the poller is done with it
         }
         Requeue(buffer);
     }
@@ -202,7 +203,7 @@ class GrabLoop {
         return image;
     }
 
-    // False when the buffer now waits in the slot for the callback thread.
+    // False when the buffer now waits in the slot for the callback thread or a poller.
     bool Deliver(BUFFER_HANDLE buffer, const IMAGE_INFO& image) {
         if (session_.imageCallback != nullptr && !session_.independentCallback) {
             const std::lock_guard<std::mutex> gate(state_.deliveryMutex);
@@ -220,14 +221,16 @@ class GrabLoop {
             return false;
         }
         RY_LOG_TRACE(kSite, kLogInfo, L"Grabdata come!!!!!!! ");
-        if (state_.grabRequest.WaitFor(std::chrono::milliseconds(0))) {
-            state_.SetImage(session_.userObject, image);
-            RY_LOG_TRACE(kSite, kLogInfo, L"Grabdata done!!!!!!! ");
-            state_.grabDone.Set();
-        } else {
+        if (!state_.grabRequest.WaitFor(std::chrono::milliseconds(0))) {
             RY_LOG_EVENT(kSite, kLogDebug, L"Data is done Timeout ");
+            return true;
         }
-        return true;
+        // The poller's frame keeps its buffer until the poller asks for the next one.
+        BUFFER_HANDLE replaced = state_.SetImage(session_.userObject, image, buffer);
+        RY_LOG_TRACE(kSite, kLogInfo, L"Grabdata done!!!!!!! ");
+        state_.grabDone.Set();
+        Requeue(replaced);
+        return false;
     }
 
     void CheckLoss(uint32_t blockId) {

@@ -18,27 +18,8 @@ using RyGenApi::EInterfaceType;
 
 namespace {
 
-// The kind word every log line of a feature starts with.
-const wchar_t* KindWord(EInterfaceType type) {
-    switch (type) {
-        case RyGenApi::intfIInteger:
-            return L"INTEGER";
-        case RyGenApi::intfIFloat:
-            return L"FLOAT";
-        case RyGenApi::intfIEnumeration:
-            return L"ENUMERATION";
-        case RyGenApi::intfIBoolean:
-            return L"BOOLEAN";
-        case RyGenApi::intfICommand:
-            return L"COMMAND";
-        case RyGenApi::intfIString:
-            return L"STRING";
-        case RyGenApi::intfIRegister:
-            return L"REGISTER";
-        default:
-            return L"NODE";
-    }
-}
+// The kind word every log line of a feature starts with, from the table of kinds below.
+const wchar_t* KindWord(EInterfaceType type);
 
 std::string FloatText(double value) {
     char text[64];
@@ -178,9 +159,9 @@ struct Write {
         return RESULT_ERROR_INVALID_PARAMETER;
     }
 
-    RESULT Integer(RyGenApi::IInteger& node) const {
+    RESULT Integer(RyGenApi::IInteger& node, const wchar_t* kind) const {
         if (text == nullptr)
-            return MissingText(L"INTEGER");
+            return MissingText(kind);
         int64_t value = std::strtoll(text, nullptr, 10);
         if (clamp) {
             if (value < node.GetMin())
@@ -196,27 +177,27 @@ struct Write {
         if (std::string_view(name) == "GevHeartbeatTimeout")
             camera::TL().DevSetHeartBeatTimeout(shared.device, static_cast<uint32_t>(value));
         if (!RyGenApi::IsWritable(node.GetAccessMode()))
-            return NotWritable(L"INTEGER");
+            return NotWritable(kind);
         node.SetValue(value, clamp);
         RY_LOG_EVENT(site, kLogDebug, L"INTEGER::cpCommand(%ls)<-%lld", core::Widen(name).c_str(),
                      static_cast<long long>(value));
         return RESULT_SUCCESS;
     }
 
-    RESULT Float(RyGenApi::IFloat& node) const {
+    RESULT Float(RyGenApi::IFloat& node, const wchar_t* kind) const {
         if (text == nullptr)
-            return MissingText(L"FLOAT");
+            return MissingText(kind);
         const double value = std::atof(text);
         if (!RyGenApi::IsWritable(node.GetAccessMode()))
-            return NotWritable(L"FLOAT");
+            return NotWritable(kind);
         node.SetValue(value, true);
         RY_LOG_EVENT(site, kLogDebug, L"FLOAT::cpCommand<-%f", value);
         return RESULT_SUCCESS;
     }
 
-    RESULT Enumeration(RyGenApi::IEnumeration& node) const {
+    RESULT Enumeration(RyGenApi::IEnumeration& node, const wchar_t* kind) const {
         if (text == nullptr)
-            return MissingText(L"ENUMERATION");
+            return MissingText(kind);
         RyGenApi::IEnumEntry* entry = node.GetEntryByName(text);
         if (entry == nullptr) {
             RY_LOG_EVENT(site, kLogErr, L"ENUMERATION:: pEnumEntry is invalid. cpArg(%ls)",
@@ -224,24 +205,25 @@ struct Write {
             return RESULT_ERROR_INVALID_PARAMETER;
         }
         if (!RyGenApi::IsWritable(node.GetAccessMode()))
-            return NotWritable(L"ENUMERATION");
+            return NotWritable(kind);
         node.SetIntValue(entry->GetValue(), true);
         return RESULT_SUCCESS;
     }
 
-    RESULT Boolean(RyGenApi::IBoolean& node) const {
+    RESULT Boolean(RyGenApi::IBoolean& node, const wchar_t* kind) const {
         const int value = text != nullptr ? std::atoi(text) : -1;
         if (value != 0 && value != 1) {
             RY_LOG_EVENT(site, kLogErr, L"BOOLEAN:: nArg(%d) is invalid", value);
             return RESULT_ERROR_INVALID_PARAMETER;
         }
         if (!RyGenApi::IsWritable(node.GetAccessMode()))
-            return NotWritable(L"BOOLEAN");
+            return NotWritable(kind);
         node.SetValue(value == 1, true);
         RY_LOG_EVENT(site, kLogDebug, L"BOOLEAN:: chCommand<-%d", value);
         return RESULT_SUCCESS;
     }
 
+    // Strings and registers alike take the caller's text as it is.
     RESULT Text(RyGenApi::IValue& node, const wchar_t* kind) const {
         if (text == nullptr)
             return MissingText(kind);
@@ -252,36 +234,65 @@ struct Write {
         return RESULT_SUCCESS;
     }
 
-    RESULT Command(RyGenApi::ICommand& node) const {
+    RESULT Command(RyGenApi::ICommand& node, const wchar_t* kind) const {
         if (!RyGenApi::IsWritable(node.GetAccessMode()))
-            return NotWritable(L"COMMAND");
+            return NotWritable(kind);
         node.Execute(true);
         return RESULT_SUCCESS;
     }
 
-    RESULT To(RyGenApi::INode& node) const {
-        switch (node.GetPrincipalInterfaceType()) {
-            case RyGenApi::intfIInteger:
-                return Integer(dynamic_cast<RyGenApi::IInteger&>(node));
-            case RyGenApi::intfIFloat:
-                return Float(dynamic_cast<RyGenApi::IFloat&>(node));
-            case RyGenApi::intfIEnumeration:
-                return Enumeration(dynamic_cast<RyGenApi::IEnumeration&>(node));
-            case RyGenApi::intfIBoolean:
-                return Boolean(dynamic_cast<RyGenApi::IBoolean&>(node));
-            case RyGenApi::intfIString:
-                return Text(dynamic_cast<RyGenApi::IValue&>(node), L"STRING");
-            case RyGenApi::intfIRegister:
-                return Text(dynamic_cast<RyGenApi::IValue&>(node), L"REGISTER");
-            case RyGenApi::intfICommand:
-                return Command(dynamic_cast<RyGenApi::ICommand&>(node));
-            default:
-                RY_LOG_EVENT(site, kLogErr, L"%ls::RESULT_ERROR_XML_UNSUPPORTED_COMMAND",
-                             KindWord(node.GetPrincipalInterfaceType()));
-                return RESULT_ERROR_XML_UNSUPPORTED_COMMAND;
-        }
-    }
+    RESULT To(RyGenApi::INode& node) const;
 };
+
+// A writer of one node kind, reached with the node as its own interface.
+using Writer = RESULT (*)(const Write&, RyGenApi::INode&, const wchar_t* kind);
+
+template <class Interface, RESULT (Write::*Method)(Interface&, const wchar_t*) const>
+RESULT WriteAs(const Write& write, RyGenApi::INode& node, const wchar_t* kind) {
+    return (write.*Method)(dynamic_cast<Interface&>(node), kind);
+}
+
+struct Kind {
+    EInterfaceType type;
+    const wchar_t* word;
+    Writer write;
+};
+
+// Every node kind a feature can have: its log word and how a text is written to it.
+constexpr Kind kKinds[] = {
+    {RyGenApi::intfIInteger, L"INTEGER", WriteAs<RyGenApi::IInteger, &Write::Integer>},
+    {RyGenApi::intfIFloat, L"FLOAT", WriteAs<RyGenApi::IFloat, &Write::Float>},
+    {RyGenApi::intfIEnumeration, L"ENUMERATION",
+     WriteAs<RyGenApi::IEnumeration, &Write::Enumeration>},
+    {RyGenApi::intfIBoolean, L"BOOLEAN", WriteAs<RyGenApi::IBoolean, &Write::Boolean>},
+    {RyGenApi::intfICommand, L"COMMAND", WriteAs<RyGenApi::ICommand, &Write::Command>},
+    {RyGenApi::intfIString, L"STRING", WriteAs<RyGenApi::IValue, &Write::Text>},
+    {RyGenApi::intfIRegister, L"REGISTER", WriteAs<RyGenApi::IValue, &Write::Text>},
+};
+
+// Other kinds (categories, ports, enumeration entries) have a word but no writer.
+constexpr Kind kOtherKind{RyGenApi::intfIBase, L"NODE", nullptr};
+
+const Kind& KindOf(EInterfaceType type) {
+    for (const Kind& kind : kKinds) {
+        if (kind.type == type)
+            return kind;
+    }
+    return kOtherKind;
+}
+
+const wchar_t* KindWord(EInterfaceType type) {
+    return KindOf(type).word;
+}
+
+RESULT Write::To(RyGenApi::INode& node) const {
+    const Kind& kind = KindOf(node.GetPrincipalInterfaceType());
+    if (kind.write == nullptr) {
+        RY_LOG_EVENT(site, kLogErr, L"%ls::RESULT_ERROR_XML_UNSUPPORTED_COMMAND", kind.word);
+        return RESULT_ERROR_XML_UNSUPPORTED_COMMAND;
+    }
+    return kind.write(*this, node, kind.word);
+}
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 // Finding and decoding the GenICam description a camera stores in its own memory. The
-// device names it by a URL of the local form "local:<file>;<address>;<length>", address and
-// length in hexadecimal; a file name ending in ".zip" marks a zip archive.
+// device names it by a URL of the local form (RyGenApi::ParseDescriptionUrl).
 #pragma once
 
 #include <cstdint>
@@ -9,24 +8,15 @@
 #include <string_view>
 
 #include "core/log/log.h"
+#include "ry/genicam/DescriptionUrl.h"
 #include "rysdk/RyTypes.h"
 
 namespace RYSDK::camera {
 
-// Descriptions of real cameras stay far below this; a URL or an archive that claims more is
-// refused rather than allowed to allocate without bound.
-inline constexpr uint64_t kMaxDescriptionBytes = 64u * 1024u * 1024u;
-
-struct DescriptionLocation {
-    uint64_t address = 0;
-    uint64_t length = 0;
-    bool zipped = false;
-};
-
-enum class UrlVerdict { Local, NotLocal, MissingField };
-
-// Reads the URL after lower-casing it: three fields split at ';'.
-UrlVerdict ParseDescriptionUrl(std::string url, DescriptionLocation& location);
+using RyGenApi::DescriptionLocation;
+using RyGenApi::kMaxDescriptionBytes;
+using RyGenApi::ParseDescriptionUrl;
+using RyGenApi::UrlVerdict;
 
 // The file as read from the device: `length` bytes followed by a zero byte.
 struct RawDescription {

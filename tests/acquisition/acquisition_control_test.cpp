@@ -262,10 +262,29 @@ TEST_F(AcquisitionTest, TheRegisterDrivenGenerationIsStartedAndStoppedByItsRegis
 
     // The grab thread learns nothing of the registers: it ends at its time-out.
     ASSERT_EQ(camera_->SetAcquisitionTimeOut(1000), RESULT_SUCCESS);
+    std::this_thread::sleep_for(200ms);  // a frame the camera was sending at the stop
     const size_t before = frames_.Count();
     ASSERT_EQ(camera_->Snap(3), RESULT_SUCCESS);
     ASSERT_EQ(camera_->WaitGrabThread(5000), kThreadEnded);
     EXPECT_EQ(frames_.Count(), before + 3);
+}
+
+TEST_F(AcquisitionTest, AMonitorsGrabLeavesTheCameraAlone) {
+    StartCamera(FastCamera());
+    ASSERT_EQ(gige_->SetCCPPrivilege(CCP_PRIVILEGE_MONITOR), RESULT_SUCCESS);
+    object_.pUserPointer = &frames_;
+    ASSERT_EQ(gige_->OpenCamera(0u, &camera_, 4, 0, 0, 0, &object_, &FrameCollector::Callback,
+                                nullptr),
+              RESULT_SUCCESS);
+    RecordedLog log;
+    ASSERT_EQ(camera_->Grab(), RESULT_SUCCESS);
+    int grabbing = 0;
+    camera_->GetGrabCondition(grabbing);
+    EXPECT_EQ(grabbing, 1);
+    std::this_thread::sleep_for(200ms);
+    EXPECT_EQ(emulator_->frames_sent(), 0u);
+    EXPECT_TRUE(log.Contains(L"_bMonitorMode is TRUE"));
+    EXPECT_EQ(camera_->Abort(), RESULT_SUCCESS);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "camera_fixture.h"
+#include "recorded_log.h"
 #include "test_image.h"
 
 namespace rytest {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "camera_fixture.h"
+#include "recorded_log.h"
 
 namespace {
 
@@ -150,6 +151,53 @@ TEST_F(FeatureAccess, NetworkConfigurationAndIdentity) {
     size = 3;
     EXPECT_EQ(camera_->GetDeviceMAC(0, text, &size), RESULT_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(size, 18u);
+}
+
+TEST_F(FeatureAccess, EveryKindLogsUnderItsOwnWord) {
+    rytest::RecordedLog log;
+    for (const char* feature : {"Width", "Gain", "PixelFormat", "DeviceUserID", "FileAccessBuffer"})
+        EXPECT_EQ(camera_->SetCustomCommand(feature, nullptr, 0), RESULT_ERROR_INVALID_PARAMETER)
+            << feature;
+    for (const wchar_t* text : {L"INTEGER::cpArg is invalid", L"FLOAT::cpArg is invalid",
+                                L"ENUMERATION::cpArg is invalid", L"STRING::cpArg is invalid",
+                                L"REGISTER::cpArg is invalid"})
+        EXPECT_TRUE(log.Contains(text)) << text;
+    EXPECT_EQ(camera_->SetCustomCommand("ReverseX", nullptr, 0), RESULT_ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(log.Contains(L"BOOLEAN:: nArg(-1) is invalid"));
+    // A port has no value to write: the kinds without a writer are all "NODE".
+    EXPECT_EQ(camera_->SetCustomCommand("Device", "1", 0), RESULT_ERROR_XML_UNSUPPORTED_COMMAND);
+    EXPECT_TRUE(log.Contains(L"NODE::RESULT_ERROR_XML_UNSUPPORTED_COMMAND"));
+    EXPECT_EQ(Read("PixelFormat"), "Mono8");
+    EXPECT_TRUE(log.Contains(L"ENUMERATION::GET_CUSTOM_COMMAND(")) << "reads name the kind too";
+}
+
+TEST_F(FeatureAccess, SettingsComeFromTheCacheAndWritesRefreshWhatTheyChange) {
+    unsigned int width = 0;
+    PIXEL_FORMAT format{};
+    ASSERT_EQ(camera_->GetWidth(&width), RESULT_SUCCESS);
+    ASSERT_EQ(camera_->GetPixelFormat(&format), RESULT_SUCCESS);
+    // With the cable pulled only a cache can answer: the grab thread reads the pixel format
+    // for every frame.
+    ry::emulator::FaultConfig unplugged;
+    unplugged.unplugged = true;
+    emulator_->set_faults(unplugged);
+    unsigned int cachedWidth = 0;
+    PIXEL_FORMAT cachedFormat{};
+    EXPECT_EQ(camera_->GetWidth(&cachedWidth), RESULT_SUCCESS);
+    EXPECT_EQ(camera_->GetPixelFormat(&cachedFormat), RESULT_SUCCESS);
+    EXPECT_EQ(cachedWidth, width);
+    EXPECT_EQ(cachedFormat, format);
+    emulator_->set_faults({});
+
+    // The camera changes the pixel size with the format and the payload with both: what a
+    // write changes is read anew without InvalidateNodes.
+    ASSERT_EQ(camera_->SetCustomCommand("PixelFormat", "Mono16", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PixelSize"), "Bpp16");
+    EXPECT_EQ(Read("PayloadSize"), std::to_string(width * 480 * 2));
+    ASSERT_EQ(camera_->SetCustomCommand("PixelSize", "Bpp8", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PixelFormat"), "Mono8");
+    ASSERT_EQ(camera_->SetCustomCommand("Height", "240", 0), RESULT_SUCCESS);
+    EXPECT_EQ(Read("PayloadSize"), std::to_string(width * 240));
 }
 
 TEST_F(FeatureAccess, RawRegistersTranslateTheirFailures) {

@@ -9,11 +9,8 @@
 #include <fstream>
 #include <string>
 
+#include "first_camera.h"
 #include "loop_program.h"
-#include "ry/emulator/camera.h"
-#include "rysdk/RyCamera.h"
-#include "rysdk/RyEventLog.h"
-#include "rysdk/RyGigE.h"
 
 namespace {
 
@@ -55,15 +52,14 @@ void Print(const char* when, const Usage& usage) {
                 usage.threads, usage.residentKb);
 }
 
-bool Cycle(RYSDK::RyGigE& gige) {
-    RYSDK::OBJECT_INFO object{};
-    RYSDK::RyCamera* camera = nullptr;
+bool Cycle(rytest::FirstCamera& first) {
     const auto lost = [](RYSDK::OBJECT_INFO*, RYSDK::DISCONNECT_INFO) {};
-    if (gige.OpenCamera(0u, &camera, 4, 0, 0, 0, &object, nullptr, lost) != RYSDK::RESULT_SUCCESS)
+    RYSDK::RyCamera* camera = first.Open(lost);
+    if (camera == nullptr)
         return false;
     unsigned int width = 0;
     camera->GetWidth(&width);
-    return gige.CloseCamera(camera) == RYSDK::RESULT_SUCCESS && width > 0;
+    return first.Gige().CloseCamera(camera) == RYSDK::RESULT_SUCCESS && width > 0;
 }
 
 }  // namespace
@@ -72,13 +68,10 @@ int main(int argc, char** argv) {
     int cycles = 1000;
     if (const int status = rytest::PrepareLoopProgram(argc, argv, cycles); status != 0)
         return status;
-    ry::emulator::CameraConfig config;
-    config.address = "127.0.0.2";
-    const ry::emulator::Camera emulator(config);
-    RYSDK::RyGigE gige;
-    gige.SetDiscoveryTimeout(300);
+    const ry::emulator::Camera emulator(rytest::EmulatedCameraConfig());
+    rytest::FirstCamera first;
     for (int i = 0; i < kWarmUpCycles; ++i) {
-        if (!Cycle(gige)) {
+        if (!Cycle(first)) {
             std::fprintf(stderr, "warm-up cycle %d failed\n", i);
             return 1;
         }
@@ -86,7 +79,7 @@ int main(int argc, char** argv) {
     const Usage before = Measure();
     Print("before", before);
     for (int i = 0; i < cycles; ++i) {
-        if (!Cycle(gige)) {
+        if (!Cycle(first)) {
             std::fprintf(stderr, "cycle %d failed\n", i);
             return 1;
         }

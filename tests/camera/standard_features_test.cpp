@@ -1,42 +1,17 @@
 // The typed accessors of the standard features against the emulator: their departures from
 // the common steps, their lineups and what they refuse.
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "camera_fixture.h"
+#include "recorded_log.h"
 
 namespace {
 
 using namespace RYSDK;
 
-// The event-log records written while a test runs; the camera's own threads log too.
-class RecordedLog {
-  public:
-    RecordedLog() { SetEventLogCallback(&RecordedLog::Receive, this); }
-    ~RecordedLog() { SetEventLogCallback(nullptr, nullptr); }
-    RecordedLog(const RecordedLog&) = delete;
-    RecordedLog& operator=(const RecordedLog&) = delete;
-
-    bool Contains(const std::wstring& text) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        for (const std::wstring& record : records_)
-            if (record.find(text) != std::wstring::npos)
-                return true;
-        return false;
-    }
-
-  private:
-    static void Receive(void* context, uint16_t, uint32_t, const wchar_t* record) {
-        auto* self = static_cast<RecordedLog*>(context);
-        const std::lock_guard<std::mutex> lock(self->mutex_);
-        self->records_.emplace_back(record);
-    }
-
-    std::mutex mutex_;
-    std::vector<std::wstring> records_;
-};
+using rytest::RecordedLog;
 
 class StandardFeatures : public rytest::EmulatedCameraTest {
   protected:

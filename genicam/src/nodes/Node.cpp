@@ -114,7 +114,7 @@ EAccessMode Node::GetAccessMode() const {
 }
 
 EAccessMode Node::EffectiveAccessMode() const {
-    if (cachedAccess_ != _UndefinedAccesMode) {
+    if (cachedAccess_ != _UndefinedAccesMode && accessEpoch_ == map_.CacheEpoch()) {
         return cachedAccess_;
     }
     if (accessBusy_) {
@@ -138,6 +138,7 @@ EAccessMode Node::EffectiveAccessMode() const {
     --depth;
     if (!IsVolatile()) {
         cachedAccess_ = mode;
+        accessEpoch_ = map_.CacheEpoch();
     }
     return mode;
 }

@@ -212,6 +212,7 @@ class Node : public virtual INode {
     void FireCallbacks();
 
     mutable EAccessMode cachedAccess_ = _UndefinedAccesMode;
+    mutable uint64_t accessEpoch_ = 0;  // the node map's cache epoch of cachedAccess_
     mutable bool accessBusy_ = false;
     mutable int8_t volatileState_ = -1;  // -1 unknown, 0 no, 1 yes, 2 being computed
     // A selector switches what the device shows behind the selected features, often at the

@@ -48,9 +48,7 @@ std::string_view NodeMapImpl::Intern(std::string text) {
 
 void NodeMapImpl::InvalidateNodes() const {
     const std::lock_guard<std::recursive_mutex> lock(mutex_);
-    for (const auto& node : nodes_) {
-        node->ResetCaches();
-    }
+    ++cacheEpoch_;
 }
 
 bool NodeMapImpl::Connect(IPort* port, const std::string& portName) const {

@@ -39,6 +39,9 @@ class NodeMapImpl : public INodeMap {
     bool IsNameTaken(std::string_view name) const { return byName_.count(name) != 0; }
     std::string_view Intern(std::string text);
     uint64_t NextVisitMark() { return ++visitMark_; }
+    // Caches filled before the last InvalidateNodes carry an older epoch and count as empty,
+    // so dropping them all is one increment instead of a walk over every node.
+    uint64_t CacheEpoch() const { return cacheEpoch_; }
     std::recursive_mutex& Mutex() const { return mutex_; }
     // Nesting level of access-mode evaluations in progress.
     int& AccessDepth() { return accessDepth_; }
@@ -54,6 +57,7 @@ class NodeMapImpl : public INodeMap {
     std::deque<std::string> internedNames_;
     std::vector<std::string> warnings_;
     uint64_t visitMark_ = 0;
+    mutable uint64_t cacheEpoch_ = 1;
     mutable std::recursive_mutex mutex_;
     int accessDepth_ = 0;
 };

@@ -176,13 +176,24 @@ int64_t RegisterNode::GetLength() {
     return length;
 }
 
+bool RegisterNode::IsValueCacheValid() const {
+    const auto lock = this->Lock();
+    return cache_->IsValid(map_.CacheEpoch());
+}
+
+void RegisterNode::FillCache(int64_t address) {
+    cache_->address = address;
+    cache_->epoch = map_.CacheEpoch();
+    cache_->valid = true;
+}
+
 const std::vector<uint8_t>& RegisterNode::ReadRegister(bool ignoreCache) {
     RequireReadable();
     const int64_t address = GetAddress();
     const auto length = static_cast<size_t>(GetLength());
     RegisterCache& cache = *cache_;
-    if (!ignoreCache && cache.valid && cache.address == address && cache.bytes.size() == length &&
-        !IsVolatile()) {
+    if (!ignoreCache && cache.IsValid(map_.CacheEpoch()) && cache.address == address &&
+        cache.bytes.size() == length && !IsVolatile()) {
         return cache.bytes;
     }
     // Read straight into the cache when the register may be cached; a failing read leaves
@@ -193,8 +204,7 @@ const std::vector<uint8_t>& RegisterNode::ReadRegister(bool ignoreCache) {
     target.assign(length, 0);
     portNode_->Read(target.data(), address, static_cast<int64_t>(length));
     if (caching) {
-        cache.address = address;
-        cache.valid = true;
+        FillCache(address);
     }
     return target;
 }
@@ -205,8 +215,7 @@ void RegisterNode::WriteRegister(const std::vector<uint8_t>& bytes) {
     InvalidateWithDependents();
     if (cachingMode_ == WriteThrough) {
         cache_->bytes = bytes;
-        cache_->address = address;
-        cache_->valid = true;
+        FillCache(address);
     }
 }
 

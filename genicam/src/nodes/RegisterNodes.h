@@ -13,8 +13,11 @@ class PortNode;
 // Bytes of the last register read. Entries of one StructReg share one instance.
 struct RegisterCache {
     bool valid = false;
+    uint64_t epoch = 0;  // the node map's cache epoch when the bytes were stored
     int64_t address = 0;
     std::vector<uint8_t> bytes;
+
+    bool IsValid(uint64_t currentEpoch) const { return valid && epoch == currentEpoch; }
 };
 
 class RegisterNode : public Node, public virtual IRegister {
@@ -25,10 +28,7 @@ class RegisterNode : public Node, public virtual IRegister {
     INode* GetNode() override { return this; }
     std::string ToString(bool verify, bool ignoreCache) override;
     void FromString(const std::string& text, bool verify) override;
-    bool IsValueCacheValid() const override {
-        const auto lock = this->Lock();
-        return cache_->valid;
-    }
+    bool IsValueCacheValid() const override;
     void Set(const uint8_t* buffer, int64_t length, bool verify) override;
     void Get(uint8_t* buffer, int64_t length, bool verify, bool ignoreCache) override;
     int64_t GetLength() override;
@@ -51,6 +51,8 @@ class RegisterNode : public Node, public virtual IRegister {
     // the next access to this register.
     const std::vector<uint8_t>& ReadRegister(bool ignoreCache);
     void WriteRegister(const std::vector<uint8_t>& bytes);
+    // Marks the cached bytes as those of `address`, valid in the current epoch.
+    void FillCache(int64_t address);
     // Register value assembled from up to 8 bytes in the register's byte order.
     uint64_t Assemble(const std::vector<uint8_t>& bytes) const;
     std::vector<uint8_t> Disassemble(uint64_t value, size_t length) const;

@@ -107,7 +107,7 @@ bool BenchSession::ReadDescription(std::string& error) {
         return false;
     }
     const auto local = ParseLocalUrl(Text(url));
-    if (!local || local->length == 0 || local->length > (64u << 20))
+    if (!local || local->length == 0 || local->length > RyGenApi::kMaxDescriptionBytes)
         return true;  // optional
     std::vector<uint8_t> bytes(local->length);
     size = bytes.size();

@@ -1,11 +1,8 @@
 #include "device_description.h"
 
-#include <unzip.h>
-
-#include <unistd.h>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+
+#include "ry/genicam/ZipArchive.h"
 
 namespace ry::gev::tools {
 namespace {
@@ -75,58 +72,20 @@ std::optional<FeatureRegister> FindFeatureRegister(const std::string& xml,
     return std::nullopt;
 }
 
-std::optional<LocalUrl> ParseLocalUrl(const std::string& url) {
-    const std::string scheme = "local:";
-    if (url.size() < scheme.size())
+std::optional<RyGenApi::DescriptionLocation> ParseLocalUrl(const std::string& url) {
+    RyGenApi::DescriptionLocation location;
+    if (RyGenApi::ParseDescriptionUrl(url, location) != RyGenApi::UrlVerdict::Local)
         return std::nullopt;
-    for (size_t i = 0; i < scheme.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(url[i])) != scheme[i])
-            return std::nullopt;
-    const size_t first = url.find(';', scheme.size());
-    const size_t second = first == std::string::npos ? first : url.find(';', first + 1);
-    if (second == std::string::npos)
-        return std::nullopt;
-    LocalUrl local;
-    local.fileName = url.substr(scheme.size(), first - scheme.size());
-    char* end = nullptr;
-    const std::string address = url.substr(first + 1, second - first - 1);
-    local.address = std::strtoull(address.c_str(), &end, 16);
-    if (address.empty() || *end != '\0')
-        return std::nullopt;
-    const std::string length = url.substr(second + 1);
-    local.length = std::strtoull(length.c_str(), &end, 16);
-    if (length.empty() || (*end != '\0' && *end != '?'))
-        return std::nullopt;
-    return local;
+    return location;
 }
 
 std::optional<std::string> UnzipFirstFile(const std::vector<uint8_t>& archive) {
-    if (archive.size() < 4 || std::memcmp(archive.data(), "PK\x03\x04", 4) != 0)
+    RyGenApi::ZipArchive zip(archive.data(), archive.size());
+    uint64_t declared = 0;
+    std::string text;
+    if (!zip.IsOpen() || zip.FirstMember(declared) != 0 ||
+        zip.ExtractMember(text, RyGenApi::kMaxDescriptionBytes) != 0)
         return std::nullopt;
-    // minizip reads files: stage the archive in an anonymous temporary one.
-    char path[] = "/tmp/ry-stream-bench-XXXXXX";
-    const int fd = ::mkstemp(path);
-    if (fd < 0)
-        return std::nullopt;
-    const bool written =
-        ::write(fd, archive.data(), archive.size()) == static_cast<ssize_t>(archive.size());
-    ::close(fd);
-    std::optional<std::string> text;
-    if (unzFile zip = written ? unzOpen(path) : nullptr) {
-        unz_file_info info{};
-        if (unzGoToFirstFile(zip) == UNZ_OK &&
-            unzGetCurrentFileInfo(zip, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK &&
-            info.uncompressed_size < (256u << 20) && unzOpenCurrentFile(zip) == UNZ_OK) {
-            std::string content(info.uncompressed_size, '\0');
-            const int got =
-                unzReadCurrentFile(zip, content.data(), static_cast<unsigned>(content.size()));
-            if (got == static_cast<int>(content.size()))
-                text = std::move(content);
-            unzCloseCurrentFile(zip);
-        }
-        unzClose(zip);
-    }
-    ::unlink(path);
     return text;
 }
 

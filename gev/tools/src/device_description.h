@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "ry/genicam/DescriptionUrl.h"
+
 namespace ry::gev::tools {
 
 struct FeatureRegister {
@@ -19,15 +21,12 @@ struct FeatureRegister {
 std::optional<FeatureRegister> FindFeatureRegister(const std::string& xml,
                                                    const std::string& feature);
 
-// "Local:name.xml;A000;1F40" -> (name, address, length); nullopt for other schemes.
-struct LocalUrl {
-    std::string fileName;
-    uint64_t address = 0;
-    uint64_t length = 0;
-};
-std::optional<LocalUrl> ParseLocalUrl(const std::string& url);
+// Where the description lies in device memory, read from the URL as the SDK reads it;
+// nullopt for a URL that is not local or lacks a field.
+std::optional<RyGenApi::DescriptionLocation> ParseLocalUrl(const std::string& url);
 
-// The first file of a zip archive held in memory; nullopt when it is not one.
+// The first member of a zip archive held in memory; nullopt when the block is not an
+// archive, is damaged, or unpacks to more than a description can be.
 std::optional<std::string> UnzipFirstFile(const std::vector<uint8_t>& archive);
 
 }  // namespace ry::gev::tools

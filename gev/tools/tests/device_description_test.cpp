@@ -1,6 +1,7 @@
 // Locating feature registers in a description and unpacking it.
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
 #include "device_description.h"
 
 namespace ry::gev::tools {
@@ -40,22 +41,28 @@ TEST(DeviceDescriptionTest, MissingOrCircularFeaturesAreNotFound) {
     EXPECT_FALSE(FindFeatureRegister("", "AcquisitionStart"));
 }
 
-TEST(DeviceDescriptionTest, ParsesLocalUrlsOnly) {
+TEST(DeviceDescriptionTest, LocalUrlsAreReadAsTheSdkReadsThem) {
     const auto url = ParseLocalUrl("Local:camera.zip;10000;1F40");
     ASSERT_TRUE(url);
-    EXPECT_EQ(url->fileName, "camera.zip");
     EXPECT_EQ(url->address, 0x10000u);
     EXPECT_EQ(url->length, 0x1F40u);
-    EXPECT_TRUE(ParseLocalUrl("local:x.xml;0;10?SchemaVersion=1.1.0"));
+    EXPECT_TRUE(url->zipped);
+    const auto plain = ParseLocalUrl("local:x.xml;0;10?SchemaVersion=1.1.0");
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->length, 0x10u);
+    EXPECT_FALSE(plain->zipped);
     EXPECT_FALSE(ParseLocalUrl("http://example/camera.xml"));
-    EXPECT_FALSE(ParseLocalUrl("Local:x.xml;zz;10"));
     EXPECT_FALSE(ParseLocalUrl("Local:x.xml;10"));
 }
 
-TEST(DeviceDescriptionTest, OnlyZipArchivesAreUnpacked) {
+TEST(DeviceDescriptionTest, OnlyWholeZipArchivesAreUnpacked) {
     EXPECT_FALSE(UnzipFirstFile({}));
     EXPECT_FALSE(UnzipFirstFile({'<', 'x', '>', 0}));
     EXPECT_FALSE(UnzipFirstFile({'P', 'K', 3, 4, 0, 0}));  // truncated archive
+    const std::string zip = RyGenApi::testing::ZipOf("camera.xml", "<RegisterDescription/>");
+    const std::vector<uint8_t> bytes(zip.begin(), zip.end());
+    EXPECT_EQ(UnzipFirstFile(bytes), "<RegisterDescription/>");
+    EXPECT_FALSE(UnzipFirstFile({bytes.begin(), bytes.begin() + bytes.size() / 2}));
 }
 
 }  // namespace
