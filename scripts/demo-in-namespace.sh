@@ -1,30 +1,26 @@
 #!/usr/bin/env bash
-# Runs inside the private namespace made by demo.sh: one emulated camera on 127.0.0.1, the
-# SDK's listing of what it discovers, then a few seconds of streaming through the
-# transport layer with the receiver's figures.
+# Runs inside the private namespace made by demo.sh: an emulated colour camera on
+# 127.0.0.1, the cameras the SDK discovers, then 100 frames grabbed through the SDK, their
+# Bayer mosaic converted by the SDK and written as PNG files, with the stream's statistics.
 set -euo pipefail
 bin=build/bin
-seconds=${DEMO_SECONDS:-3}
+frames=${DEMO_FRAMES:-100}
+output=${DEMO_OUTPUT:-build/demo-frames}
 
-for program in ry-camera-emulator rycam ry-stream-bench; do
-    if [ ! -x "$bin/$program" ]; then
-        echo "demo: $bin/$program was not built" >&2
-        exit 1
-    fi
-done
+if [ ! -x "$bin/rycam" ]; then
+    echo "demo: $bin/rycam was not built" >&2
+    exit 1
+fi
 
-"$bin/ry-camera-emulator" --address 127.0.0.1 --model RY-EMU-1 --serial DEMO0001 \
-    --width 1280 --height 1024 --pixel-format Mono8 --fps 0 &
-emulator=$!
-trap 'kill "$emulator" 2>/dev/null; wait "$emulator" 2>/dev/null || true' EXIT
+# shellcheck source=start-emulator.sh
+source scripts/start-emulator.sh
+start_emulator "$bin/rycam" emulate --address 127.0.0.1 --model RY-EMU-C --serial DEMO0001 \
+    --width 1280 --height 1024 --pixel-format BayerRG8 --fps 60
 
-# The emulator prints a line per camera once it serves; give it a moment to bind.
-for _ in $(seq 50); do
-    "$bin/rycam" list --timeout 200 >/dev/null 2>&1 && break
-    sleep 0.1
-done
-
-echo "== cameras the SDK discovers"
+echo "== an emulated colour camera: $EMULATOR_LINE"
+echo "== rycam list"
 "$bin/rycam" list
-echo "== streaming for ${seconds} s"
-"$bin/ry-stream-bench" --device 127.0.0.1 --seconds "$seconds" --buffers 32
+echo "== rycam grab 0 --count $frames --output $output"
+rm -rf "$output"
+"$bin/rycam" grab 0 --count "$frames" --output "$output"
+echo "== one of the frames: $(realpath "$output/frame_00042.png" 2>/dev/null || echo "$output")"

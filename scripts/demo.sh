@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The main job: installs what is missing, builds everything, then inside a private network
-# namespace starts an emulated camera on loopback, lists the cameras the SDK discovers and
-# streams from the camera for a few seconds, printing the receiver's figures.
+# namespace starts an emulated colour camera on loopback, lists the cameras the SDK
+# discovers and grabs 100 frames through the SDK into PNG files, printing the statistics.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh

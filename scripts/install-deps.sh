@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config git
-    zlib1g-dev libminizip-dev libsimde-dev
+    zlib1g-dev libminizip-dev libsimde-dev libpng-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     iproute2 util-linux nftables
     clang-format clang libclang-rt-14-dev
