@@ -6,10 +6,16 @@
 namespace ry::gentl {
 
 void EventChannel::Push(const EventRecord& record) {
-    {
-        std::lock_guard lock(mutex_);
-        records_.push_back(record);
-    }
+    Enqueue(record);
+    Notify();
+}
+
+void EventChannel::Enqueue(const EventRecord& record) {
+    std::lock_guard lock(mutex_);
+    records_.push_back(record);
+}
+
+void EventChannel::Notify() {
     ready_.notify_one();
 }
 

@@ -32,6 +32,10 @@ struct EventRecord {
 class EventChannel {
   public:
     void Push(const EventRecord& record);
+    // Push in two steps, for a caller that holds a lock of its own the woken waiter will
+    // want: the record goes in under that lock, the waiter is woken after it is released.
+    void Enqueue(const EventRecord& record);
+    void Notify();
     // GC_ERR_TIMEOUT when nothing came in time, GC_ERR_NO_DATA when killed,
     // GC_ERR_INSUFFICIENT_SIZE (record kept) when the caller's buffer is too small.
     GC_ERROR Wait(void* buffer, size_t* size, uint64_t timeoutMs);

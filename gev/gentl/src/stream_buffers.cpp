@@ -183,15 +183,20 @@ bool StreamModule::TakeBuffer(stream::LentBuffer& lent) {
 }
 
 void StreamModule::Deliver(const stream::ReceivedFrame& frame) {
-    std::lock_guard lock(mutex_);
-    auto* buffer = static_cast<Buffer*>(frame.buffer.tag);
-    buffer->frame = frame;
-    buffer->hasFrame = true;
-    buffer->state = BufferState::Output;
-    ++delivered_;
-    if (frame.status != stream::FrameStatus::Complete)
-        ++corrupted_;
-    newBuffers_->Push(EventRecord::Of(NewBufferRecord{buffer, buffer->user}));
+    {
+        std::lock_guard lock(mutex_);
+        auto* buffer = static_cast<Buffer*>(frame.buffer.tag);
+        buffer->frame = frame;
+        buffer->hasFrame = true;
+        buffer->state = BufferState::Output;
+        ++delivered_;
+        if (frame.status != stream::FrameStatus::Complete)
+            ++corrupted_;
+        newBuffers_->Enqueue(EventRecord::Of(NewBufferRecord{buffer, buffer->user}));
+    }
+    // The waiter's first question about the buffer takes the stream's lock: wake it only
+    // once that lock is free, or it wakes just to wait again.
+    newBuffers_->Notify();
 }
 
 void StreamModule::ReturnBuffer(const stream::LentBuffer& lent) {
