@@ -39,6 +39,7 @@ class FrameReceiverImpl final : public FrameReceiver {
     ~FrameReceiverImpl() override { Stop(true, nullptr); }
 
     uint16_t LocalPort() const override { return socket_.Port(); }
+    ReceivePath PathInUse() const override { return ReceivePath::Socket; }
 
     void SetSettings(const ReceiverSettings& settings) override {
         std::lock_guard lock(settingsMutex_);

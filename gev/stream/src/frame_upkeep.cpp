@@ -126,7 +126,7 @@ void FrameAssembler::Close(FrameSlot& slot) {
     pending_.framesIncomplete += frame.status == FrameStatus::Complete ? 0 : 1;
     pending_.packetsMissing += frame.missingPackets;
     pending_.packetsResent += frame.resentPackets;
-    pending_.packetsRejected += slot.WithdrawnPackets();
+    pending_.packetsRejected += slot.WithdrawnPackets() + slot.StrayPackets();
     if (slot.PacketSizeRefuted()) {
         // The device's packets do not have the size we placed by: learn it again.
         learnedPacketBytes_ = 0;

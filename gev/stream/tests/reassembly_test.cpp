@@ -111,7 +111,9 @@ TEST(Reassembly, WrongPacketSizeHintIsUnlearnedAfterOneFrame) {
 }
 
 TEST(Reassembly, ExtendedIdsCarry64BitBlockIds) {
-    Harness h(NoResend());
+    ReceiverSettings settings = NoResend();
+    settings.extendedIds = true;
+    Harness h(settings);
     const uint64_t bigId = 0x123456789ull;
     std::vector<Block> blocks{BuildBlock({.blockId = bigId, .extendedIds = true}),
                               BuildBlock({.blockId = bigId + 1, .extendedIds = true, .seed = 3})};

@@ -227,6 +227,7 @@ TEST(Resend, SilentBlockHasItsLostTailRequested) {
 TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
     ReceiverSettings settings = FastResend();
     settings.resendTimeoutMs = 20;
+    settings.extendedIds = true;
     FrameCollector collector(4, 64 * 48);
     ReceiverCallbacks callbacks = collector.Callbacks();
     std::mutex mutex;
@@ -242,6 +243,10 @@ TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
     ASSERT_TRUE(receiver->Start());
     UdpSender device(kDeviceIp, receiver->LocalPort());
     SendExcept(device, BuildBlock({.blockId = 7, .extendedIds = true}), {3});  // small id
+    ASSERT_TRUE(collector.WaitForFrames(1, kWaitMs));
+    settings.extendedIds = false;  // the device was switched back to 16-bit ids
+    receiver->SetSettings(settings);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     SendExcept(device, BuildBlock({.blockId = 7}), {3});
     ASSERT_TRUE(collector.WaitForFrames(2, kWaitMs));
     receiver->Stop(false, nullptr);
@@ -253,7 +258,9 @@ TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
 }
 
 TEST(Resend, ExtendedIdRequestsCarryThe64BitBlockId) {
-    Harness h(FastResend());
+    ReceiverSettings settings = FastResend();
+    settings.extendedIds = true;
+    Harness h(settings);
     const uint64_t bigId = 0xABCDEF012345ull;
     std::vector<Block> blocks{BuildBlock({.blockId = bigId, .extendedIds = true})};
     h.collector.ServeResendsFrom(h.device.get(), &blocks);

@@ -170,6 +170,8 @@ TEST(Robustness, RandomDatagramsNeverWritePastBuffers) {
         noise[4] = static_cast<uint8_t>((noise[4] & 0x80) | (1 + random() % 3));
         noise[5] = noise[6] = 0;  // small packet ids, so many land inside the buffers
         noise[0] = static_cast<uint8_t>(noise[0] & 0x01);
+        noise[2] = 0;  // few block ids, so runs of them open frames
+        noise[3] = static_cast<uint8_t>(1 + random() % 3);
         h.device->Send(noise);
         if (i % 100 == 0) {
             for (const ReceivedFrame& frame : h.collector.Frames()) {

@@ -134,7 +134,9 @@ TEST(Trains, LongestTrainFitsASlotAimedAtAShortLastPacket) {
 }
 
 TEST(Trains, ExtendedIdTrainsAreByteExact) {
-    Harness h(NoResend(), 8, 480 * 100);
+    ReceiverSettings settings = NoResend();
+    settings.extendedIds = true;
+    Harness h(settings, 8, 480 * 100);
     BlockSpec spec = Spec(0x1'0000'0001ull, 480, 100);
     spec.extendedIds = true;
     const Block block = BuildBlock(spec);
