@@ -12,12 +12,15 @@
 namespace ry::gev::stream::testing {
 namespace {
 
+class Robustness : public OnBothPaths {};
+RY_ON_BOTH_PATHS(Robustness);
+
 std::vector<uint8_t> Truncated(std::vector<uint8_t> packet, size_t drop) {
     packet.resize(packet.size() - drop);
     return packet;
 }
 
-TEST(Robustness, ForeignSenderIsIgnoredAndTakesNoBuffer) {
+TEST_P(Robustness, ForeignSenderIsIgnoredAndTakesNoBuffer) {
     Harness h(NoResend());
     UdpSender stranger(kForeignIp, h.receiver->LocalPort());
     const Block block = BuildBlock({.blockId = 1});
@@ -32,7 +35,7 @@ TEST(Robustness, ForeignSenderIsIgnoredAndTakesNoBuffer) {
     EXPECT_EQ(h.receiver->Counters().packetsIgnored, block.packets.size());
 }
 
-TEST(Robustness, BlocksWithoutABufferAreCountedAndTheirPacketsSkipped) {
+TEST_P(Robustness, BlocksWithoutABufferAreCountedAndTheirPacketsSkipped) {
     Harness h(NoResend(), 1);
     for (uint64_t id = 1; id <= 3; ++id) {
         h.device->SendAll(BuildBlock({.blockId = id}));
@@ -50,7 +53,7 @@ TEST(Robustness, BlocksWithoutABufferAreCountedAndTheirPacketsSkipped) {
     EXPECT_EQ(h.collector.Frames()[1].status, FrameStatus::Complete);
 }
 
-TEST(Robustness, PayloadLargerThanTheBufferIsClippedAndFlagged) {
+TEST_P(Robustness, PayloadLargerThanTheBufferIsClippedAndFlagged) {
     Harness h(NoResend(), 2, 1500);  // 3072-byte blocks into 1500-byte buffers
     const Block block = BuildBlock({.blockId = 1});
     h.device->SendAll(block);
@@ -64,7 +67,7 @@ TEST(Robustness, PayloadLargerThanTheBufferIsClippedAndFlagged) {
     EXPECT_EQ(h.receiver->Counters().framesIncomplete, 1u);
 }
 
-TEST(Robustness, TruncatedPayloadNeverCountsAsData) {
+TEST_P(Robustness, TruncatedPayloadNeverCountsAsData) {
     Harness h(NoResend());
     const Block block = BuildBlock({.blockId = 1});
     for (uint32_t id = 0; id <= block.TrailerId(); ++id) {
@@ -78,7 +81,7 @@ TEST(Robustness, TruncatedPayloadNeverCountsAsData) {
     EXPECT_GE(h.receiver->Counters().packetsRejected, 1u);
 }
 
-TEST(Robustness, TruncatedPacketArrivingBeforeLaterOnesIsWithdrawnAndResent) {
+TEST_P(Robustness, TruncatedPacketArrivingBeforeLaterOnesIsWithdrawnAndResent) {
     ReceiverSettings settings;
     settings.resendTimeoutMs = 20;
     Harness h(settings);
@@ -104,7 +107,7 @@ TEST(Robustness, TruncatedPacketArrivingBeforeLaterOnesIsWithdrawnAndResent) {
     EXPECT_TRUE(askedForTheCutPacket);
 }
 
-TEST(Robustness, MalformedDatagramsAreRejectedWithoutHarm) {
+TEST_P(Robustness, MalformedDatagramsAreRejectedWithoutHarm) {
     Harness h(NoResend());
     const Block good = BuildBlock({.blockId = 3, .seed = 8});
     std::vector<std::vector<uint8_t>> junk;
@@ -156,7 +159,7 @@ TEST(Robustness, MalformedDatagramsAreRejectedWithoutHarm) {
     EXPECT_GE(h.receiver->Counters().packetsRejected, 10u);
 }
 
-TEST(Robustness, RandomDatagramsNeverWritePastBuffers) {
+TEST_P(Robustness, RandomDatagramsNeverWritePastBuffers) {
     ReceiverSettings settings;
     settings.imageTimeoutMs = 50;
     settings.resendTimeoutMs = 5;
@@ -185,7 +188,7 @@ TEST(Robustness, RandomDatagramsNeverWritePastBuffers) {
     EXPECT_GT(h.receiver->Counters().packetsReceived, 0u);
 }
 
-TEST(Robustness, StopHandsBackTheFrameInProgress) {
+TEST_P(Robustness, StopHandsBackTheFrameInProgress) {
     for (const bool discard : {false, true}) {
         Harness h(NoResend(), 2);
         const Block block = BuildBlock({.blockId = 1});
@@ -208,7 +211,7 @@ TEST(Robustness, StopHandsBackTheFrameInProgress) {
     }
 }
 
-TEST(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
+TEST_P(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
     FrameCollector collector(4, 64 * 48);
     ReceiverCallbacks callbacks = collector.Callbacks();
     FrameReceiver* self = nullptr;
@@ -216,8 +219,7 @@ TEST(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
         forward(frame);
         self->Stop(false, nullptr);
     };
-    ReceiverEndpoint endpoint;
-    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    const ReceiverEndpoint endpoint = LoopbackEndpoint();
     auto receiver = FrameReceiver::Create(endpoint, NoResend(), callbacks, nullptr);
     ASSERT_NE(receiver, nullptr);
     self = receiver.get();
@@ -236,7 +238,7 @@ TEST(Robustness, StopFromTheDeliverCallbackEndsTheThreadAndStartResumes) {
     receiver->Stop(false, nullptr);
 }
 
-TEST(Robustness, ThrowingCallbackEndsTheThreadNotTheProcess) {
+TEST_P(Robustness, ThrowingCallbackEndsTheThreadNotTheProcess) {
     FrameCollector collector(4, 64 * 48);
     ReceiverCallbacks callbacks = collector.Callbacks();
     std::atomic<bool> throwNext{true};
@@ -246,8 +248,7 @@ TEST(Robustness, ThrowingCallbackEndsTheThreadNotTheProcess) {
             throw std::runtime_error("lender failure");
         }
     };
-    ReceiverEndpoint endpoint;
-    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    const ReceiverEndpoint endpoint = LoopbackEndpoint();
     auto receiver = FrameReceiver::Create(endpoint, NoResend(), callbacks, nullptr);
     ASSERT_NE(receiver, nullptr);
     ASSERT_TRUE(receiver->Start());
@@ -264,7 +265,7 @@ TEST(Robustness, ThrowingCallbackEndsTheThreadNotTheProcess) {
     receiver->Stop(false, nullptr);
 }
 
-TEST(Robustness, RestartAfterStopReceivesAgainOnTheSamePort) {
+TEST_P(Robustness, RestartAfterStopReceivesAgainOnTheSamePort) {
     Harness h(NoResend());
     const uint16_t port = h.receiver->LocalPort();
     h.receiver->Stop(false, nullptr);
@@ -277,7 +278,7 @@ TEST(Robustness, RestartAfterStopReceivesAgainOnTheSamePort) {
     EXPECT_EQ(h.collector.Bytes(h.collector.Frames()[0]), block.payload);
 }
 
-TEST(Robustness, LagModeAcceptsTheStreamOnAnyLocalAddress) {
+TEST_P(Robustness, LagModeAcceptsTheStreamOnAnyLocalAddress) {
     for (const bool lag : {false, true}) {
         ReceiverSettings settings = NoResend();
         settings.acceptAnyInterface = lag;
@@ -289,19 +290,18 @@ TEST(Robustness, LagModeAcceptsTheStreamOnAnyLocalAddress) {
     }
 }
 
-TEST(Robustness, CreateReportsABindFailure) {
+TEST_P(Robustness, CreateReportsABindFailure) {
     Harness h(NoResend());
-    ReceiverEndpoint taken;
-    taken.localIp = kDeviceIp;
+    ReceiverEndpoint taken = LoopbackEndpoint();
     taken.localPort = h.receiver->LocalPort();
     std::string error;
     EXPECT_EQ(FrameReceiver::Create(taken, {}, {}, &error), nullptr);
     EXPECT_NE(error.find("bind"), std::string::npos) << error;
 }
 
-TEST(Robustness, MissingCallbacksAreTolerated) {
-    ReceiverEndpoint endpoint;
-    endpoint.localIp = kDeviceIp;
+TEST_P(Robustness, MissingCallbacksAreTolerated) {
+    ReceiverEndpoint endpoint = LoopbackEndpoint();
+    endpoint.deviceIp = 0;
     auto receiver = FrameReceiver::Create(endpoint, {}, {}, nullptr);
     ASSERT_NE(receiver, nullptr);
     ASSERT_TRUE(receiver->Start());

@@ -11,6 +11,9 @@
 namespace ry::gev::stream::testing {
 namespace {
 
+class Sequence : public OnBothPaths {};
+RY_ON_BOTH_PATHS(Sequence);
+
 // Complete, byte-exact frames for every block id in `ids`, in any order.
 void ExpectCompleteFrames(FrameCollector& collector, const std::vector<Block>& blocks) {
     const auto frames = collector.Frames();
@@ -43,7 +46,7 @@ void Settle() {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
 }
 
-TEST(Sequence, AStrayPacketFarAheadNeitherOpensAFrameNorStallsTheStream) {
+TEST_P(Sequence, AStrayPacketFarAheadNeitherOpensAFrameNorStallsTheStream) {
     for (const uint64_t ahead : {2u, 60u, 30000u}) {
         Harness h(NoResend());
         SendBlocks(*h.device, 1, 3);
@@ -59,7 +62,7 @@ TEST(Sequence, AStrayPacketFarAheadNeitherOpensAFrameNorStallsTheStream) {
     }
 }
 
-TEST(Sequence, AForgedExtendedBlockIdNeverReachesTheCounters) {
+TEST_P(Sequence, AForgedExtendedBlockIdNeverReachesTheCounters) {
     ReceiverSettings settings;  // with resend: a forged frame would be asked for and lost
     settings.extendedIds = true;
     settings.resendTimeoutMs = 10;
@@ -84,7 +87,7 @@ TEST(Sequence, AForgedExtendedBlockIdNeverReachesTheCounters) {
     EXPECT_EQ(counters.packetsRejected, 3u);
 }
 
-TEST(Sequence, ACountRestartedFarBehindIsFollowedAtOnce) {
+TEST_P(Sequence, ACountRestartedFarBehindIsFollowedAtOnce) {
     Harness h(NoResend());
     SendBlocks(*h.device, 5000, 2);
     const auto restarted = SendBlocks(*h.device, 1, 3);
@@ -93,7 +96,7 @@ TEST(Sequence, ACountRestartedFarBehindIsFollowedAtOnce) {
     EXPECT_EQ(h.receiver->Counters().framesIncomplete, 0u);
 }
 
-TEST(Sequence, ACountRestartedAFewBlocksBackIsFollowedWithinAFewFrames) {
+TEST_P(Sequence, ACountRestartedAFewBlocksBackIsFollowedWithinAFewFrames) {
     Harness h(NoResend(), 32);
     SendBlocks(*h.device, 1, 10);
     ASSERT_TRUE(h.collector.WaitForFrames(10, kWaitMs));
@@ -108,7 +111,7 @@ TEST(Sequence, ACountRestartedAFewBlocksBackIsFollowedWithinAFewFrames) {
     EXPECT_LE(counters.packetsIgnored, 4u * restarted[0].packets.size());
 }
 
-TEST(Sequence, WholeFramesLostOpenTheNextFrameWithItsLeader) {
+TEST_P(Sequence, WholeFramesLostOpenTheNextFrameWithItsLeader) {
     Harness h(NoResend());
     SendBlocks(*h.device, 65530, 3);
     const auto after = SendBlocks(*h.device, 65535 + 5, 3);  // 65533..65535 and 1..4 never sent
@@ -118,7 +121,7 @@ TEST(Sequence, WholeFramesLostOpenTheNextFrameWithItsLeader) {
     EXPECT_EQ(h.receiver->Counters().packetsRejected, 0u);
 }
 
-TEST(Sequence, ExtendedIdPacketsOnAStandardStreamAreRejected) {
+TEST_P(Sequence, ExtendedIdPacketsOnAStandardStreamAreRejected) {
     Harness h(NoResend());
     const Block block = BuildBlock({.blockId = 1});
     const Block other = BuildBlock({.blockId = 2, .extendedIds = true});
@@ -135,7 +138,7 @@ TEST(Sequence, ExtendedIdPacketsOnAStandardStreamAreRejected) {
     EXPECT_EQ(h.collector.Frames().size(), 3u);
 }
 
-TEST(Sequence, PacketIdsPastTheBlocksEndAreDroppedAndTheBlockStaysWhole) {
+TEST_P(Sequence, PacketIdsPastTheBlocksEndAreDroppedAndTheBlockStaysWhole) {
     ReceiverSettings settings = NoResend();
     settings.packetSize = 200 + 36;
     Harness h(settings, 4, 64 * 64);  // room for packets past the 48 lines
@@ -157,7 +160,7 @@ TEST(Sequence, PacketIdsPastTheBlocksEndAreDroppedAndTheBlockStaysWhole) {
     EXPECT_EQ(h.receiver->Counters().packetsRejected, 2u);
 }
 
-TEST(Sequence, AForgedHugePacketIdCannotInflateTheMissingCount) {
+TEST_P(Sequence, AForgedHugePacketIdCannotInflateTheMissingCount) {
     ReceiverSettings settings = NoResend();
     settings.extendedIds = true;
     settings.imageTimeoutMs = 50;
