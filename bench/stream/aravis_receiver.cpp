@@ -1,7 +1,6 @@
 #include "aravis_receiver.h"
 
 #include <arv.h>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <cstdio>
@@ -22,24 +21,6 @@ struct ObjectRelease {
 };
 template <typename T>
 using Object = std::unique_ptr<T, ObjectRelease>;
-
-double CpuSeconds() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-// Lines after the heading of /proc/net/packet: the packet sockets of this network namespace.
-bool PacketSocketOpen() {
-    std::ifstream table("/proc/net/packet");
-    std::string line;
-    int lines = 0;
-    while (std::getline(table, line)) {
-        ++lines;
-    }
-    return lines > 1;
-}
 
 gint LargestReceiveBuffer() {
     std::ifstream limit("/proc/sys/net/core/rmem_max");
@@ -88,7 +69,8 @@ Object<ArvCamera> OpenCamera(const AravisRun& run) {
 
 }  // namespace
 
-std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
+std::optional<ReceiverReport> MeasureAravis(const AravisRun& run, DeliveryLog& log) {
+    const int inherited = OwnedPacketSockets();
     Object<ArvCamera> camera = OpenCamera(run);
     if (!camera) {
         return std::nullopt;
@@ -115,14 +97,15 @@ std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
         return std::nullopt;
     }
     ReceiverReport result;
-    result.packetSocketOpen = PacketSocketOpen();
+    result.packetSocketOpen = OwnedPacketSockets() > inherited;
     ry::gev::tools::FrameTally tally;
-    const double cpuStart = CpuSeconds();
+    const CpuSample cpuStart = SampleCpu(run.emulator);
     const auto start = Clock::now();
     const auto end = start + std::chrono::duration<double>(run.seconds);
     while (Clock::now() < end) {
         ArvBuffer* buffer = arv_stream_timeout_pop_buffer(stream.get(), kPopTimeoutUs);
         if (buffer) {
+            log.Add(arv_buffer_get_frame_id(buffer));
             size_t size = 0;
             arv_buffer_get_data(buffer, &size);
             tally.Add(arv_buffer_get_frame_id(buffer),
@@ -130,10 +113,12 @@ std::optional<ReceiverReport> MeasureAravis(const AravisRun& run) {
             arv_stream_push_buffer(stream.get(), buffer);
         }
     }
+    const CpuSample cpuEnd = SampleCpu(run.emulator);
     auto& figures = result.figures;
     figures = tally.Figures();
     figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    figures.cpuSeconds = CpuSeconds() - cpuStart;
+    figures.cpuSeconds = cpuEnd.process - cpuStart.process;
+    result.machineCpuSeconds = MachineSeconds(cpuStart, cpuEnd);
     arv_camera_stop_acquisition(camera.get(), &error);
     Failed(error, "stop");
     return result;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "child_measurement.h"
+#include "frame_timing.h"
 
 namespace ry::bench {
 
@@ -16,11 +17,12 @@ struct AravisRun {
     uint32_t buffers = 16;
     double seconds = 5;
     bool packetSocket = false;
+    pid_t emulator = -1;  // for the machine's CPU
 };
 
-// Opens the camera, streams for `run.seconds` and counts like ry-stream-bench does. Also
-// tells whether a packet socket was open while streaming. Nullopt when the camera or the
-// stream cannot be set up.
-std::optional<ReceiverReport> MeasureAravis(const AravisRun& run);
+// Opens the camera, streams for `run.seconds` and counts like ry-stream-bench does, logging
+// each frame's delivery. Also tells whether a packet socket was open while streaming.
+// Nullopt when the camera or the stream cannot be set up.
+std::optional<ReceiverReport> MeasureAravis(const AravisRun& run, DeliveryLog& log);
 
 }  // namespace ry::bench
