@@ -15,7 +15,8 @@
 //
 // Our producer discovers the camera, so this runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-stream-compare --seconds=5
-// Options: --fps=LIST (comma separated, 0 flat out), --seconds=S, --address=IP (127.0.0.2),
+// Options: --fps=LIST (comma separated, 0 flat out), --receivers=LIST (row names; all by
+// default), --seconds=S, --address=IP (127.0.0.2),
 // --packet-size=N (9000), --emulator=PATH (ry-camera-emulator next to this program),
 // --trains (the emulator hands the kernel segmentation-offload trains: only ours/socket takes
 // them whole; a packet socket on loopback sees each train as one oversized datagram).
@@ -49,6 +50,7 @@ struct CompareOptions {
     std::string address = "127.0.0.2";
     uint32_t packetSize = 9000;
     std::vector<std::string> rates{"30", "250", "0"};
+    std::string receivers;  // comma separated row names; empty: all four
     bool trains = false;
     std::string emulator;
 };
@@ -90,6 +92,8 @@ std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
                 options.packetSize = static_cast<uint32_t>(std::stoul(*v));
             else if (auto v = value("--fps="))
                 options.rates = SplitRates(*v);
+            else if (auto v = value("--receivers="))
+                options.receivers = "," + *v + ",";
             else if (arg == "--trains")
                 options.trains = true;
             else if (auto v = value("--emulator="))
@@ -169,6 +173,10 @@ void MeasureAt(const CompareOptions& o, const std::string& rate, std::vector<Row
     DeliveryLog log;
     const auto limit = std::chrono::seconds(static_cast<long>(o.seconds)) + kSetUpAllowance;
     const auto measure = [&](const char* name, std::function<std::optional<ReceiverReport>()> run) {
+        std::string listed = ",";
+        listed.append(name).append(",");
+        if (!o.receivers.empty() && o.receivers.find(listed) == std::string::npos)
+            return;
         log.Clear();
         clock.Clear();
         Row row{rate, name, MeasureInChild(run, limit), {}};
@@ -194,7 +202,8 @@ int main(int argc, char** argv) {
     const auto options = ParseOptions(argc, argv);
     if (!options) {
         std::fprintf(stderr,
-                     "usage: ry-stream-compare [--seconds=S] [--fps=X,Y,...] [--address=IP] "
+                     "usage: ry-stream-compare [--seconds=S] [--fps=X,Y,...] [--receivers=A,B,...] "
+                     "[--address=IP] "
                      "[--packet-size=N] [--emulator=PATH] [--trains]\n");
         return 2;
     }

@@ -33,6 +33,8 @@ class FrameAssembler {
     // Hints for the next batch: the packets the block being received still lacks.
     size_t PlanPlacements(PlacementHint* out, size_t max) const;
     bool HasOpenFrame() const;
+    // The last payload id of the latest complete frame: the next is likely to end there too.
+    uint32_t UsualLastPayloadId() const { return usualLastPayloadId_; }
     // A datagram longer than the receive slot: its tail is lost, so none of it is used.
     void OnTruncatedDatagram() { ++pending_.packetsRejected; }
     void OnForeignDatagram() { ++pending_.packetsIgnored; }
@@ -79,6 +81,7 @@ class FrameAssembler {
     FrameSlot* lastSlot_ = nullptr;  // the block most packets belong to
     BlockSequence sequence_;
     uint32_t learnedPacketBytes_ = 0;
+    uint32_t usualLastPayloadId_ = 0;
     bool packetSizeHintRefuted_ = false;
 };
 

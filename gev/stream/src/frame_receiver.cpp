@@ -27,11 +27,13 @@ using detail::Clock;
 constexpr int kIdlePollMs = 200;
 constexpr auto kCoalescingNap = std::chrono::microseconds(100);
 constexpr unsigned long kTimerSlackNs = 10'000;
-// Ring path: datagrams read between two looks at the clock and the settings, and how often a
+// Ring path: datagrams read between two looks at the clock and the settings; how often a
 // payload packet wakes the thread (with every trailer) so the frame is copied out while it
-// streams in and only the last few packets are left when its trailer lands.
+// streams in; and how many packets before a frame's usual end it is woken once more, so that
+// only those few are left to copy when the trailer lands.
 constexpr size_t kRingBatch = 256;
-constexpr uint32_t kWakeEveryNthPacket = 16;
+constexpr uint32_t kWakeEveryNthPacket = 64;
+constexpr uint32_t kWakeBeforeTheEnd = 8;
 // Wake-up datagrams read per call; the filter cuts each to a few bytes.
 constexpr size_t kWakeBatch = 16;
 constexpr size_t kWakeBytes = 64;
@@ -128,7 +130,7 @@ bool OpenPath(uint32_t ip, uint16_t port, const ReceiverEndpoint& endpoint,
     }
     std::string ringError;
     ring = detail::PacketRing::Open(ip, socket.Port(), endpoint.socketBufferBytes, &ringError);
-    if (ring.Valid() && !detail::AttachWakeFilter(socket.Fd(), kWakeEveryNthPacket)) {
+    if (ring.Valid() && !detail::AttachWakeFilter(socket.Fd(), kWakeEveryNthPacket, 0)) {
         ring = detail::PacketRing{};
         ringError = "cannot filter the stream socket";
     }
@@ -314,17 +316,24 @@ size_t FrameReceiverImpl::HandleRing(size_t max) {
 }
 
 // Reads ready ring slots without a system call and sleeps on the stream socket, which its
-// filter wakes about once per kWakeEveryNthPacket packets and at every trailer. Packets that
+// filter wakes about once per kWakeEveryNthPacket packets, shortly before a frame's usual end
+// and at every trailer. Packets that
 // land after the last look wait for the next wake-up, the next deadline of a frame (resend,
 // time-out) or at most kIdlePollMs.
 void FrameReceiverImpl::RingLoop() {
     uint64_t seenGeneration = 0;
+    uint32_t wakeFilterEnd = 0;
     while (!stopRequested_.load(std::memory_order_acquire)) {
         ReloadSettingsIfChanged(seenGeneration);
         const size_t handled = HandleRing(kRingBatch);
         const auto now = Clock::now();
         assembler_.Service(now);
         assembler_.Publish();
+        if (const uint32_t end = assembler_.UsualLastPayloadId();
+            end != wakeFilterEnd && end > 2 * kWakeBeforeTheEnd) {
+            wakeFilterEnd = end;  // once per stream, or when the frame size changes
+            detail::AttachWakeFilter(socket_.Fd(), kWakeEveryNthPacket, end - kWakeBeforeTheEnd);
+        }
         if (handled == kRingBatch) {
             continue;
         }

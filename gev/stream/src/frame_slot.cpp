@@ -1,5 +1,7 @@
 #include "frame_slot.h"
 
+#include "streaming_copy.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -221,7 +223,7 @@ void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, si
     }
     received_.Set(packetId);
     if (data != buffer_.data + offset) {  // the kernel may have put it in place already
-        std::memcpy(buffer_.data + offset, data, copied);
+        StreamingCopy(buffer_.data + offset, data, copied);
     }
     bytesFilled_ += copied;
     ++payloadReceived_;

@@ -61,6 +61,10 @@ class FrameSlot {
     // else the highest id seen; never past what the buffer can hold, so a forged id cannot
     // inflate the missing count or the resend requests.
     uint32_t ExpectedLastPayloadId() const;
+    // The last payload id the trailer or an image leader told; 0 when neither has.
+    uint32_t DeclaredLastPayloadId() const {
+        return haveTrailer_ ? lastPayloadId_ : LeadersLastPayloadId();
+    }
     // Packets of [0, expected last + 1] not yet received (leader and trailer included).
     uint32_t MissingCount() const;
     // Calls visit(first, last) for every missing run in [0, expected last + 1].

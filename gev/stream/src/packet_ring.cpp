@@ -227,7 +227,7 @@ void PacketRing::Release() {
 }
 
 // For a UDP socket offset 0 is the UDP header; the GVSP header follows at 8.
-bool AttachWakeFilter(int udpFd, uint32_t everyNth) {
+bool AttachWakeFilter(int udpFd, uint32_t everyNth, uint32_t nearEndId) {
     constexpr uint32_t kStatus = 8;
     constexpr uint32_t kFormat = 12;            // EI flag and format; then the 24-bit packet id
     constexpr uint32_t kExtendedPacketId = 24;  // 8 + 16
@@ -244,6 +244,8 @@ bool AttachWakeFilter(int udpFd, uint32_t everyNth) {
         Statement(BPF_LD | BPF_W | BPF_ABS, kFormat),  // standard: packet id in the low 24 bits
         Jump(BPF_JMP | BPF_JA, 1, 0, 0),
         Statement(BPF_LD | BPF_W | BPF_ABS, kExtendedPacketId),
+        Statement(BPF_ALU | BPF_AND | BPF_K, 0x00FFFFFF),
+        Jump(BPF_JMP | BPF_JEQ | BPF_K, nearEndId, kAccept, 0),
         Statement(BPF_ALU | BPF_AND | BPF_K, idMask),
         Jump(BPF_JMP | BPF_JEQ | BPF_K, 0, kAccept, kDrop),
     };

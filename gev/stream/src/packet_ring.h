@@ -68,9 +68,11 @@ class PacketRing {
 };
 
 // Lets through to the stream's UDP socket only the packets that should wake the receiving
-// thread of the ring path: trailers, error packets and every `everyNth` (a power of two)
-// payload packet, so the thread empties the ring while a frame streams in and never falls
-// far behind. False when the kernel refuses the filter.
-bool AttachWakeFilter(int udpFd, uint32_t everyNth);
+// thread of the ring path: trailers, error packets, every `everyNth` (a power of two) payload
+// packet, so the thread empties the ring while a frame streams in and never falls far
+// behind, and packet `nearEndId` a few packets before the frame's end, so that the thread has
+// copied out the bulk of the frame by the time its trailer lands. False when the kernel
+// refuses the filter.
+bool AttachWakeFilter(int udpFd, uint32_t everyNth, uint32_t nearEndId);
 
 }  // namespace ry::gev::stream::detail
