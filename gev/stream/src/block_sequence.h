@@ -64,7 +64,6 @@ class BlockSequence {
     uint32_t runPackets_ = 0;
     std::vector<uint8_t> kept_;  // the first packet of the run: header then data
     size_t keptBytes_ = 0;
-    size_t keptHeaderBytes_ = 0;
     uint64_t keptBlock_ = 0;
     Verdict keptVerdict_ = Verdict::Newest;
     Verdict dropped_ = Verdict::Open;
