@@ -11,7 +11,6 @@
 namespace ry::bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 constexpr guint64 kPopTimeoutUs = 100000;
 constexpr auto kSettleTime = std::chrono::milliseconds(100);
 constexpr gint kFallbackBufferBytes = 4 << 20;
@@ -96,29 +95,18 @@ std::optional<ReceiverReport> MeasureAravis(const AravisRun& run, DeliveryLog& l
     if (Failed(error, "start")) {
         return std::nullopt;
     }
-    ReceiverReport result;
-    result.packetSocketOpen = OwnedPacketSockets() > inherited;
-    ry::gev::tools::FrameTally tally;
-    const CpuSample cpuStart = SampleCpu(run.emulator);
-    const auto start = Clock::now();
-    const auto end = start + std::chrono::duration<double>(run.seconds);
-    while (Clock::now() < end) {
+    MeasuredRun measured(run.seconds, run.emulator, inherited, log);
+    while (measured.Going()) {
         ArvBuffer* buffer = arv_stream_timeout_pop_buffer(stream.get(), kPopTimeoutUs);
         if (buffer) {
-            log.Add(arv_buffer_get_frame_id(buffer));
             size_t size = 0;
             arv_buffer_get_data(buffer, &size);
-            tally.Add(arv_buffer_get_frame_id(buffer),
-                      arv_buffer_get_status(buffer) == ARV_BUFFER_STATUS_SUCCESS, size);
+            measured.Delivered(arv_buffer_get_frame_id(buffer),
+                               arv_buffer_get_status(buffer) == ARV_BUFFER_STATUS_SUCCESS, size);
             arv_stream_push_buffer(stream.get(), buffer);
         }
     }
-    const CpuSample cpuEnd = SampleCpu(run.emulator);
-    auto& figures = result.figures;
-    figures = tally.Figures();
-    figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    figures.cpuSeconds = cpuEnd.process - cpuStart.process;
-    result.machineCpuSeconds = MachineSeconds(cpuStart, cpuEnd);
+    const ReceiverReport result = measured.Finish();
     arv_camera_stop_acquisition(camera.get(), &error);
     Failed(error, "stop");
     return result;

@@ -315,4 +315,28 @@ int OwnedPacketSockets() {
     return owned;
 }
 
+MeasuredRun::MeasuredRun(double seconds, pid_t emulator, int packetSocketsBefore, DeliveryLog& log)
+    : emulator_(emulator), log_(log), cpuStart_(SampleCpu(emulator)) {
+    report_.packetSocketOpen = OwnedPacketSockets() > packetSocketsBefore;
+    start_ = std::chrono::steady_clock::now();
+    end_ = start_ + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                        std::chrono::duration<double>(seconds));
+}
+
+void MeasuredRun::Delivered(uint64_t blockId, bool complete, uint64_t bytes) {
+    log_.Add(blockId);
+    tally_.Add(blockId, complete, bytes);
+}
+
+ReceiverReport MeasuredRun::Finish() const {
+    const CpuSample cpuEnd = SampleCpu(emulator_);
+    ReceiverReport report = report_;
+    report.figures = tally_.Figures();
+    report.figures.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    report.figures.cpuSeconds = cpuEnd.process - cpuStart_.process;
+    report.machineCpuSeconds = MachineSeconds(cpuStart_, cpuEnd);
+    return report;
+}
+
 }  // namespace ry::bench

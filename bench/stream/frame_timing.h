@@ -6,10 +6,14 @@
 #include <sys/types.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include "child_measurement.h"
+#include "frame_tally.h"
 
 namespace ry::bench {
 
@@ -87,5 +91,25 @@ pid_t FindChild(const char* program);
 // Packet sockets this process holds (its fds against /proc/net/packet). A receiver's child
 // inherits the trailer clock's, so it compares against the count it started with.
 int OwnedPacketSockets();
+
+// One receiver's measured run, from the moment its stream is up: the clock, the CPU samples,
+// the frames' tally and their delivery times.
+class MeasuredRun {
+  public:
+    // `packetSocketsBefore`: OwnedPacketSockets() before the receiver was set up.
+    MeasuredRun(double seconds, pid_t emulator, int packetSocketsBefore, DeliveryLog& log);
+    bool Going() const { return std::chrono::steady_clock::now() < end_; }
+    void Delivered(uint64_t blockId, bool complete, uint64_t bytes);
+    ReceiverReport Finish() const;
+
+  private:
+    pid_t emulator_;
+    DeliveryLog& log_;
+    ReceiverReport report_;
+    ry::gev::tools::FrameTally tally_;
+    CpuSample cpuStart_;
+    std::chrono::steady_clock::time_point start_;
+    std::chrono::steady_clock::time_point end_;
+};
 
 }  // namespace ry::bench

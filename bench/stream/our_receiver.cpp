@@ -1,17 +1,14 @@
 #include "our_receiver.h"
 
-#include <chrono>
 #include <cstdio>
 #include <vector>
 
 #include "RyGenTL.h"
 #include "device_description.h"
-#include "frame_tally.h"
 
 namespace ry::bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using ry::gev::tools::FindFeatureRegister;
 constexpr uint64_t kStreamPacketSizeRegister = 0x0D04;
 
@@ -136,30 +133,20 @@ std::optional<ReceiverReport> MeasureOurs(const OurRun& run, DeliveryLog& log) {
         std::fprintf(stderr, "ours: cannot open the camera or its stream\n");
         return std::nullopt;
     }
-    ReceiverReport report;
-    report.packetSocketOpen = OwnedPacketSockets() > inherited;
-    ry::gev::tools::FrameTally tally;
-    const CpuSample cpuStart = SampleCpu(run.emulator);
-    const auto start = Clock::now();
-    const auto end = start + std::chrono::duration<double>(run.seconds);
-    while (Clock::now() < end) {
+    MeasuredRun measured(run.seconds, run.emulator, inherited, log);
+    while (measured.Going()) {
         RY_NEW_BUFFER_DATA data{};
         size_t size = sizeof data;
         if (EventGetData(h.event, &data, &size, 100) != GC_ERR_SUCCESS)
             continue;
         const uint64_t blockId = BufferValue(h.stream, data.buffer, BUFFER_INFO_BLOCK_ID);
-        log.Add(blockId);
-        tally.Add(
+        measured.Delivered(
             blockId,
             BufferValue(h.stream, data.buffer, BUFFER_INFO_STATUS) == RY_BUFFER_STATUS_COMPLETE,
             BufferValue(h.stream, data.buffer, BUFFER_INFO_SIZE_FILLED));
         DSQueueBuffer(h.stream, data.buffer);
     }
-    const CpuSample cpuEnd = SampleCpu(run.emulator);
-    report.figures = tally.Figures();
-    report.figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    report.figures.cpuSeconds = cpuEnd.process - cpuStart.process;
-    report.machineCpuSeconds = MachineSeconds(cpuStart, cpuEnd);
+    const ReceiverReport report = measured.Finish();
     Execute(h, "AcquisitionStop");
     DSStopAcquisition(h.stream, ACQ_STOP_FLAGS_KILL);
     return report;
