@@ -26,6 +26,7 @@ using detail::Clock;
 // Longest sleep of an idle receiving thread; Stop wakes it at once through the event.
 constexpr int kIdlePollMs = 200;
 constexpr auto kCoalescingNap = std::chrono::microseconds(100);
+constexpr size_t kNapUntilTheLast = 12;  // packets a frame still lacks
 constexpr unsigned long kTimerSlackNs = 10'000;
 // Ring path: datagrams read between two looks at the clock and the settings; how often a
 // payload packet wakes the thread (with every trailer) so the frame is copied out while it
@@ -274,11 +275,14 @@ void FrameReceiverImpl::SocketLoop() {
     size_t lastCount = 0;
     while (!stopRequested_.load(std::memory_order_acquire)) {
         ReloadSettingsIfChanged(seenGeneration);
+        const size_t wanted = BatchSizeWanted();
         // A full batch means more is waiting: skip the poll and read again.
-        if (!batchWasFull && lastCount > 0 && assembler_.HasOpenFrame()) {
+        if (!batchWasFull && lastCount > 0 && assembler_.HasOpenFrame() &&
+            hintCount_ > kNapUntilTheLast) {
             // Mid-frame, a short batch means the thread is ahead of the wire. A nap lets the
             // socket gather a fuller batch and spares the sender a wake-up per few packets,
-            // which on loopback it pays for.
+            // which on loopback it pays for. The frame's last packets are waited for in poll,
+            // so that the frame is handed over as soon as its trailer lands.
             std::this_thread::sleep_for(kCoalescingNap);
         } else if (!batchWasFull) {
             const int timeoutMs = assembler_.MillisecondsToNextDeadline(Clock::now(), kIdlePollMs);
@@ -286,7 +290,6 @@ void FrameReceiverImpl::SocketLoop() {
                 break;
             }
         }
-        const size_t wanted = BatchSizeWanted();
         const size_t count = batch_.ReceiveFrom(socket_.Fd(), hints_.data(), hintCount_, wanted);
         batchWasFull = count == wanted;
         lastCount = count;
