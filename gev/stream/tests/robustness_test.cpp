@@ -2,6 +2,7 @@
 // truncated and malformed datagrams, LAG mode, and stopping with a frame half received.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <random>
 #include <stdexcept>
@@ -16,7 +17,8 @@ class Robustness : public OnBothPaths {};
 RY_ON_BOTH_PATHS(Robustness);
 
 std::vector<uint8_t> Truncated(std::vector<uint8_t> packet, size_t drop) {
-    packet.resize(packet.size() - drop);
+    packet.erase(packet.end() - static_cast<ptrdiff_t>(std::min(drop, packet.size())),
+                 packet.end());
     return packet;
 }
 
