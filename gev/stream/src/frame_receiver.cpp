@@ -33,7 +33,7 @@ constexpr unsigned long kTimerSlackNs = 10'000;
 // streams in; and how many packets before a frame's usual end it is woken once more, so that
 // only those few are left to copy when the trailer lands.
 constexpr size_t kRingBatch = 256;
-constexpr uint32_t kWakeEveryNthPacket = 64;
+constexpr uint32_t kWakeEveryNthPacket = 128;
 constexpr uint32_t kWakeBeforeTheEnd = 8;
 // Wake-up datagrams read per call; the filter cuts each to a few bytes.
 constexpr size_t kWakeBatch = 16;
