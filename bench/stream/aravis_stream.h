@@ -4,6 +4,7 @@
 #pragma once
 
 #include <arv.h>
+#include <sys/types.h>
 
 #include <chrono>
 #include <cstdint>
@@ -20,6 +21,7 @@ struct AravisRun {
     uint32_t buffers = 16;
     double seconds = 5;
     bool packetSocket = false;
+    pid_t emulator = -1;  // for the machine's CPU
 };
 
 struct GObjectRelease {

@@ -15,6 +15,9 @@ namespace ry::bench {
 struct ReceiverReport {
     ry::gev::tools::StreamFigures figures;
     bool packetSocketOpen = false;
+    // Receiver, emulator and every CPU's soft interrupts over the run (on loopback the
+    // kernel's copy into a packet ring is done in the sender's soft interrupt).
+    double machineCpuSeconds = 0;
 };
 
 // Forks, runs `measure` in the child and returns what it reported; nullopt when the child

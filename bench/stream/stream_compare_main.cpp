@@ -1,24 +1,26 @@
-// ry-stream-compare: our producer and Aravis's receiver, one after the other, against the
-// same sender in one run. The sender is ry-camera-emulator (2048x2048 Mono8, flat out); each
-// receiver runs in a child process of its own so its CPU time (RUSAGE_SELF of the child:
-// receiving thread, delivery and the application loop) is counted alone. Rows:
-//   ours/plain_udp         libRyGenTL, plain UDP socket (SO_RCVBUFFORCE where allowed)
+// ry-stream-compare: our producer and Aravis's receiver side by side in one run, each on its
+// two receive paths, against one emulated camera (2048x2048 Mono8) at each frame rate asked
+// for (default 30 fps, 250 fps and flat out). Rows:
+//   ours/socket            libRyGenTL on its UDP socket (RY_IF_PORT_RECEIVE_PATH = 1)
+//   ours/packet_ring       libRyGenTL on its packet ring (= 2, needs CAP_NET_RAW)
 //   aravis/plain_udp       ArvGvStream with its packet socket disabled
-//   aravis/packet_socket   ArvGvStream in its raw packet-socket mode (CAP_NET_RAW)
-// Counters: GBps (payload of complete frames per second), frames_complete,
-// frames_incomplete, frames_lost (block ids never delivered), cpu_s_per_GB (over every byte
-// delivered) and packet_socket (1 when a packet socket was open while streaming).
+//   aravis/packet_socket   ArvGvStream in its packet-socket mode (CAP_NET_RAW)
+// Each receiver runs in a child process of its own. Columns: GB/s of complete frames, frames
+// complete / incomplete / lost (block ids never delivered), the receiving process's CPU
+// seconds per GB delivered, the whole machine's (receiver + emulator + every CPU's soft
+// interrupts, from /proc; on loopback the kernel's copy into a packet ring is charged to the
+// sender), and the time from the kernel's arrival of each block's trailer (timestamp of a
+// packet socket of this program, on lo) to the frame's delivery to the application: median
+// and 99th percentile. pkt_sock: 1 when the receiver held a packet socket while streaming.
 //
 // Our producer discovers the camera, so this runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-stream-compare --seconds=5
-// Other options: --fps=X (0: flat out), --address=IP (127.0.0.2), --packet-size=N (9000),
-// --emulator=PATH, --trains.
-// The emulator sends packet by packet, as a camera does. With --trains it hands the kernel
-// trains of packets (segmentation offload), which our socket takes whole as a NIC's GRO
-// would hand them over; a packet socket on loopback sees such a train as one oversized
-// frame, so Aravis's packet-socket row means nothing in that mode.
-// (ry-camera-emulator next to this program), plus the usual --benchmark_* flags.
-#include <benchmark/benchmark.h>
+// Options: --fps=LIST (comma separated, 0 flat out), --receivers=LIST (row names; all by
+// default), --seconds=S, --address=IP (127.0.0.2),
+// --packet-size=N (9000), --emulator=PATH (ry-camera-emulator next to this program),
+// --trains (the emulator hands the kernel segmentation-offload trains: only ours/socket takes
+// them whole; a packet socket on loopback sees each train as one oversized datagram).
+#include <arpa/inet.h>
 #include <net/if.h>
 #include <unistd.h>
 
@@ -26,17 +28,19 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "aravis_receiver.h"
 #include "child_measurement.h"
+#include "frame_timing.h"
+#include "our_receiver.h"
 #include "ry/emulator/emulator_process.h"
 
 namespace {
 
 using namespace ry::bench;
-using ry::gev::tools::BenchOptions;
-using ry::gev::tools::BenchSession;
 
 constexpr uint32_t kBuffers = 16;
 constexpr auto kSetUpAllowance = std::chrono::seconds(30);
@@ -45,7 +49,8 @@ struct CompareOptions {
     double seconds = 5;
     std::string address = "127.0.0.2";
     uint32_t packetSize = 9000;
-    std::string fps = "0";  // the sender's frame rate; 0 sends flat out
+    std::vector<std::string> rates{"30", "250", "0"};
+    std::string receivers;  // comma separated row names; empty: all four
     bool trains = false;
     std::string emulator;
 };
@@ -54,6 +59,17 @@ std::string NextToThisProgram(const char* name) {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? name : (self.parent_path() / name).string();
+}
+
+std::vector<std::string> SplitRates(const std::string& list) {
+    std::vector<std::string> rates;
+    std::istringstream stream(list);
+    for (std::string rate; std::getline(stream, rate, ',');) {
+        if (std::stod(rate) < 0)
+            throw std::invalid_argument("negative rate");
+        rates.push_back(rate);
+    }
+    return rates;
 }
 
 std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
@@ -74,8 +90,10 @@ std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
                 options.address = *v;
             else if (auto v = value("--packet-size="))
                 options.packetSize = static_cast<uint32_t>(std::stoul(*v));
-            else if (auto v = value("--fps="); v && std::stod(*v) >= 0)
-                options.fps = *v;
+            else if (auto v = value("--fps="))
+                options.rates = SplitRates(*v);
+            else if (auto v = value("--receivers="))
+                options.receivers = "," + *v + ",";
             else if (arg == "--trains")
                 options.trains = true;
             else if (auto v = value("--emulator="))
@@ -86,7 +104,8 @@ std::optional<CompareOptions> ParseOptions(int argc, char** argv) {
             return std::nullopt;
         }
     }
-    if (!(options.seconds > 0) || options.packetSize < 576 || options.packetSize > 9000)
+    if (!(options.seconds > 0) || options.packetSize < 576 || options.packetSize > 9000 ||
+        options.rates.empty())
         return std::nullopt;
     return options;
 }
@@ -104,66 +123,88 @@ bool OnlyLoopbackVisible() {
     return onlyLoopback;
 }
 
-std::optional<ReceiverReport> MeasureOurs(const CompareOptions& options) {
-    BenchOptions run;
-    run.device = options.address;
-    run.seconds = options.seconds;
-    run.packetSize = options.packetSize;
-    run.buffers = kBuffers;
-    BenchSession session;
-    std::string error;
-    if (!session.Open(run, error)) {
-        std::fprintf(stderr, "ours: %s\n", error.c_str());
-        return std::nullopt;
+struct Row {
+    std::string rate;
+    std::string receiver;
+    std::optional<ReceiverReport> report;
+    Latency latency;
+};
+
+void PrintHeading() {
+    std::printf("%-6s %-21s %6s %8s %6s %6s %9s %9s %9s %9s %8s\n", "fps", "receiver", "GB/s",
+                "complete", "incmpl", "lost", "proc_s/GB", "mach_s/GB", "lat_med", "lat_p99",
+                "pkt_sock");
+}
+
+void Print(const Row& row) {
+    if (!row.report) {
+        std::printf("%-6s %-21s failed (see its message above)\n", row.rate.c_str(),
+                    row.receiver.c_str());
+        return;
     }
-    const auto figures = session.Stream(run);
-    if (!figures)
-        return std::nullopt;
-    return ReceiverReport{*figures, false};
-}
-
-void Publish(benchmark::State& state, const ReceiverReport& report) {
-    const auto& f = report.figures;
+    const auto& f = row.report->figures;
     const double gigabytes = static_cast<double>(f.bytes) / 1e9;
-    state.counters["GBps"] =
-        f.seconds > 0 ? static_cast<double>(f.completeBytes) / 1e9 / f.seconds : 0;
-    state.counters["frames_complete"] = static_cast<double>(f.frames - f.incomplete);
-    state.counters["frames_incomplete"] = static_cast<double>(f.incomplete);
-    state.counters["frames_lost"] = static_cast<double>(f.lost);
-    state.counters["cpu_s_per_GB"] = gigabytes > 0 ? f.cpuSeconds / gigabytes : 0;
-    state.counters["packet_socket"] = report.packetSocketOpen ? 1 : 0;
+    const auto perGB = [&](double seconds) { return gigabytes > 0 ? seconds / gigabytes : 0.0; };
+    std::printf("%-6s %-21s %6.3f %8llu %6llu %6llu %9.3f %9.3f %7.0fus %7.0fus %8d\n",
+                row.rate == "0" ? "max" : row.rate.c_str(), row.receiver.c_str(),
+                f.seconds > 0 ? static_cast<double>(f.completeBytes) / 1e9 / f.seconds : 0,
+                static_cast<unsigned long long>(f.frames - f.incomplete),
+                static_cast<unsigned long long>(f.incomplete),
+                static_cast<unsigned long long>(f.lost), perGB(f.cpuSeconds),
+                perGB(row.report->machineCpuSeconds), row.latency.medianUs, row.latency.p99Us,
+                row.report->packetSocketOpen ? 1 : 0);
+    std::fflush(stdout);
 }
 
-void RegisterReceiver(const char* name, std::function<std::optional<ReceiverReport>()> measure,
-                      double seconds) {
-    const auto limit = std::chrono::seconds(static_cast<long>(seconds)) + kSetUpAllowance;
-    benchmark::RegisterBenchmark(
-        name,
-        [measure, limit](benchmark::State& state) {
-            for (auto _ : state) {
-                const auto report = MeasureInChild(measure, limit);
-                if (!report) {
-                    state.SkipWithError("the receiver failed (see its message above)");
-                    return;
-                }
-                state.SetIterationTime(report->figures.seconds);
-                Publish(state, *report);
-            }
-        })
-        ->Iterations(1)
-        ->UseManualTime()
-        ->Unit(benchmark::kSecond);
+// All four receivers, one after the other, on one emulator sending at `rate`.
+void MeasureAt(const CompareOptions& o, const std::string& rate, std::vector<Row>& rows) {
+    std::vector<std::string> arguments{"--address",      o.address, "--serial", "compare",
+                                       "--pixel-format", "Mono8",   "--width",  "2048",
+                                       "--height",       "2048",    "--fps",    rate};
+    if (o.trains)
+        arguments.push_back("--segmentation-trains");
+    const ry::emulator::EmulatorProcess sender(o.emulator, arguments);
+    const pid_t emulator = FindChild(o.emulator.c_str());
+    in_addr camera{};
+    ::inet_pton(AF_INET, o.address.c_str(), &camera);
+    TrailerClock clock(ntohl(camera.s_addr));
+    if (!clock.Valid())
+        std::fprintf(stderr, "no packet socket for the trailer clock: no latency figures\n");
+    DeliveryLog log;
+    const auto limit = std::chrono::seconds(static_cast<long>(o.seconds)) + kSetUpAllowance;
+    const auto measure = [&](const char* name, std::function<std::optional<ReceiverReport>()> run) {
+        std::string listed = ",";
+        listed.append(name).append(",");
+        if (!o.receivers.empty() && o.receivers.find(listed) == std::string::npos)
+            return;
+        log.Clear();
+        clock.Clear();
+        Row row{rate, name, MeasureInChild(run, limit), {}};
+        row.latency = MatchLatency(log, clock);
+        Print(row);
+        rows.push_back(row);
+    };
+    for (const uint32_t path : {1u, 2u}) {
+        const OurRun run{o.address, o.packetSize, kBuffers, o.seconds, path, emulator};
+        measure(path == 1 ? "ours/socket" : "ours/packet_ring",
+                [run, &log] { return MeasureOurs(run, log); });
+    }
+    for (const bool packetSocket : {false, true}) {
+        const AravisRun run{o.address, o.packetSize, kBuffers, o.seconds, packetSocket, emulator};
+        measure(packetSocket ? "aravis/packet_socket" : "aravis/plain_udp",
+                [run, &log] { return MeasureAravis(run, log); });
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
     const auto options = ParseOptions(argc, argv);
     if (!options) {
         std::fprintf(stderr,
-                     "usage: ry-stream-compare [--seconds=S] [--fps=X] [--address=IP] "
-                     "[--packet-size=N] [--emulator=PATH] [--trains] [--benchmark_...]\n");
+                     "usage: ry-stream-compare [--seconds=S] [--fps=X,Y,...] [--receivers=A,B,...] "
+                     "[--address=IP] "
+                     "[--packet-size=N] [--emulator=PATH] [--trains]\n");
         return 2;
     }
     if (!OnlyLoopbackVisible()) {
@@ -173,28 +214,17 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        std::vector<std::string> arguments{
-            "--address", options->address, "--serial", "compare", "--pixel-format", "Mono8",
-            "--width",   "2048",           "--height", "2048",    "--fps",          options->fps};
-        if (options->trains) {
-            arguments.push_back("--segmentation-trains");
-        }
-        const ry::emulator::EmulatorProcess sender(options->emulator, arguments);
-        std::fprintf(stderr, "sender: %s\n", sender.ReadyLines().front().c_str());
-        const CompareOptions o = *options;
-        RegisterReceiver(
-            "ours/plain_udp", [o] { return MeasureOurs(o); }, o.seconds);
-        for (const bool packetSocket : {false, true}) {
-            const AravisRun run{o.address, o.packetSize, kBuffers, o.seconds, packetSocket};
-            RegisterReceiver(
-                packetSocket ? "aravis/packet_socket" : "aravis/plain_udp",
-                [run] { return MeasureAravis(run); }, o.seconds);
-        }
-        benchmark::RunSpecifiedBenchmarks();
+        std::vector<Row> rows;
+        PrintHeading();
+        for (const std::string& rate : options->rates)
+            MeasureAt(*options, rate, rows);
+        std::printf("\n");
+        PrintHeading();
+        for (const Row& row : rows)
+            Print(row);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "ry-stream-compare: %s\n", error.what());
         return 1;
     }
-    benchmark::Shutdown();
     return 0;
 }

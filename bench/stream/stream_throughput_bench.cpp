@@ -1,6 +1,6 @@
 // How fast the receiving engine takes 2048x2048 Mono8 frames in 9000-byte packets (and, for
-// comparison, 1500-byte ones) over loopback, and what it costs the receiving thread. Two ways
-// of sending:
+// comparison, 1500-byte ones) over loopback, on each receive path, and what it costs the
+// receiving thread. Two ways of sending:
 //  - window: the camera keeps at most a few frames ahead of the frames handed back, which
 //    finds the highest lossless rate the pair sustains;
 //  - paced: the camera sends at a fixed rate without looking back, as a real camera does;
@@ -108,6 +108,7 @@ void BM_LoopbackStream(benchmark::State& state) {
     endpoint.deviceIp = 0x7F000001;
     endpoint.localIp = 0x7F000001;
     endpoint.socketBufferBytes = 256u << 20;
+    endpoint.receivePath = static_cast<ReceivePath>(state.range(2));
     ReceiverSettings settings;
     settings.resendEnabled = false;  // nobody would answer; close holes at once
     settings.packetSize = shape.packetSize;
@@ -171,14 +172,13 @@ void BM_LoopbackStream(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(sent * camera.PayloadBytes()));
 }
 
-// Arguments: paced rate in MB/s (0 for the window mode) and the SCPS packet size.
+// Arguments: paced rate in MB/s (0 for the window mode), the SCPS packet size and the receive
+// path (1 socket, 2 packet ring).
 BENCHMARK(BM_LoopbackStream)
-    ->ArgNames({"paced_MBps", "packet"})
-    ->Args({0, 9000})
-    ->Args({1000, 9000})
-    ->Args({2000, 9000})
-    ->Args({3000, 9000})
-    ->Args({0, 1500})
+    ->ArgNames({"paced_MBps", "packet", "path"})
+    ->ArgsProduct({{0, 1000, 2000, 3000}, {9000}, {1, 2}})
+    ->Args({0, 1500, 1})
+    ->Args({0, 1500, 2})
     ->MinTime(3.0)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);

@@ -229,7 +229,16 @@ enum RY_IF_PORT_ADDRESS {
     RY_IF_PORT_RESEND_TIMEOUT_MS = 8, /* wait before asking again; default 100 */
     RY_IF_PORT_RESEND_ENABLE = 9,     /* default 1 */
     RY_IF_PORT_LAG_MODE = 16,         /* accept the stream on any host address; default 0 */
-    RY_IF_PORT_FREQUENT_RESEND = 17   /* ask as soon as a gap is seen; default 0 */
+    RY_IF_PORT_FREQUENT_RESEND = 17,  /* ask as soon as a gap is seen; default 0 */
+    /* How stream packets are received, for streams opened afterwards (DevOpenDataStream):
+     * 0 automatic (default): a memory-mapped packet ring when the process may open a packet
+     *   socket (CAP_NET_RAW), the UDP socket otherwise;
+     * 1 the UDP socket;
+     * 2 the packet ring; DevOpenDataStream fails with GC_ERR_OPEN_STREAM without CAP_NET_RAW.
+     * Either way the stream's UDP port stays bound, so the host never answers the device
+     * with ICMP port-unreachable. Frames and counters are the same on both. Other values give
+     * GC_ERR_INVALID_PARAMETER. */
+    RY_IF_PORT_RECEIVE_PATH = 18
 };
 
 /* What EventGetData writes for EVENT_NEW_BUFFER (16 bytes). */

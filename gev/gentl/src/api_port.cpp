@@ -60,12 +60,21 @@ GC_ERROR ReadInterfaceSetting(const InterfaceState& state, uint64_t address, uin
         case RY_IF_PORT_FREQUENT_RESEND:
             value = settings.frequentResend;
             return GC_ERR_SUCCESS;
+        case RY_IF_PORT_RECEIVE_PATH:
+            value = static_cast<uint32_t>(state.ReceivePath());
+            return GC_ERR_SUCCESS;
         default:
             return GC_ERR_INVALID_ADDRESS;
     }
 }
 
 GC_ERROR WriteInterfaceSetting(InterfaceState& state, uint64_t address, uint32_t value) {
+    if (address == RY_IF_PORT_RECEIVE_PATH) {
+        if (value > static_cast<uint32_t>(stream::ReceivePath::PacketRing))
+            return GC_ERR_INVALID_PARAMETER;
+        state.SetReceivePath(static_cast<stream::ReceivePath>(value));
+        return GC_ERR_SUCCESS;
+    }
     stream::ReceiverSettings settings = state.StreamSettings();
     switch (address) {
         case RY_IF_PORT_IMAGE_TIMEOUT_MS:

@@ -43,9 +43,12 @@ struct InterfaceState {
     bool listOutsideSubnet = false;
     std::vector<client::DiscoveredDevice> devices;
     stream::ReceiverSettings streamSettings;
+    stream::ReceivePath receivePath = stream::ReceivePath::Automatic;  // for streams opened next
     std::vector<std::weak_ptr<StreamModule>> streams;
 
     stream::ReceiverSettings StreamSettings() const;
+    stream::ReceivePath ReceivePath() const;
+    void SetReceivePath(stream::ReceivePath path);
     // Changes the settings and pushes them into every stream still open on this interface.
     void UpdateStreamSettings(const stream::ReceiverSettings& settings);
     void AddStream(const std::shared_ptr<StreamModule>& stream);

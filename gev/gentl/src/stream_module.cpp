@@ -60,6 +60,7 @@ GC_ERROR StreamModule::Open() {
     // Multicast datagrams and, in LAG mode, datagrams on other host addresses only reach a
     // socket bound to the wildcard address.
     endpoint.localIp = (multicast || settings.acceptAnyInterface) ? 0 : host.ip;
+    endpoint.receivePath = device_->Interface()->ReceivePath();
     if (device_->Privileged()) {
         if (device_->Settings()->mtuOptimize.load())
             packetSize_ = NegotiatePacketSize();
@@ -74,9 +75,10 @@ GC_ERROR StreamModule::Open() {
     stream::ReceiverCallbacks callbacks;
     callbacks.takeBuffer = [this](stream::LentBuffer& lent) { return TakeBuffer(lent); };
     callbacks.deliver = [this](const stream::ReceivedFrame& frame) { Deliver(frame); };
-    callbacks.requestResend = [this](uint64_t block, uint32_t first, uint32_t last) {
+    callbacks.requestResendWithIdMode = [this](uint64_t block, uint32_t first, uint32_t last,
+                                               bool extendedIds) {
         device_->Control().SendPacketResend(static_cast<uint16_t>(channel_), block, first, last,
-                                            block > 0xFFFF);
+                                            extendedIds);
     };
     receiver_ = stream::FrameReceiver::Create(endpoint, settings, std::move(callbacks), nullptr);
     if (!receiver_)
@@ -156,7 +158,23 @@ void StreamModule::ApplyInterfaceSettings(const stream::ReceiverSettings& settin
         return;
     stream::ReceiverSettings next = settings;
     next.packetSize = receiver_->Settings().packetSize;
+    next.extendedIds = receiver_->Settings().extendedIds;
     receiver_->SetSettings(next);
+}
+
+// The application switches the device to 64-bit block ids through its register (the
+// description's feature); the engine drops packets of the other mode, so it learns the mode
+// at each start. A device without the register sends 16-bit ids.
+void StreamModule::FollowIdMode() {
+    uint32_t config = 0;
+    const bool extended =
+        device_->Control().ReadRegister(reg::kGvspConfiguration, config) == GC_ERR_SUCCESS &&
+        (config & reg::kGvspConfigExtendedIds) != 0;
+    stream::ReceiverSettings settings = receiver_->Settings();
+    if (settings.extendedIds != extended) {
+        settings.extendedIds = extended;
+        receiver_->SetSettings(settings);
+    }
 }
 
 void StreamModule::StopReceiver(bool discardPartial) {
@@ -176,6 +194,7 @@ GC_ERROR StreamModule::StartAcquisition() {
         acquiring_ = true;
         grabbing_ = true;
     }
+    FollowIdMode();
     if (!receiver_->Start()) {
         std::lock_guard lock(mutex_);
         acquiring_ = false;

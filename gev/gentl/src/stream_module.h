@@ -65,6 +65,7 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     void EnqueueLocked(Buffer* buffer, bool atFront = false);
     GC_ERROR ConfigureChannel(uint16_t port);
     uint32_t NegotiatePacketSize();
+    void FollowIdMode();
     GC_ERROR BufferInfoLocked(const Buffer& buffer, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type,
                               void* out, size_t* size);
     void StopReceiver(bool discardPartial);

@@ -10,6 +10,16 @@ stream::ReceiverSettings InterfaceState::StreamSettings() const {
     return streamSettings;
 }
 
+stream::ReceivePath InterfaceState::ReceivePath() const {
+    std::lock_guard lock(mutex);
+    return receivePath;
+}
+
+void InterfaceState::SetReceivePath(stream::ReceivePath path) {
+    std::lock_guard lock(mutex);
+    receivePath = path;
+}
+
 void InterfaceState::UpdateStreamSettings(const stream::ReceiverSettings& settings) {
     std::vector<std::shared_ptr<StreamModule>> live;
     {

@@ -114,6 +114,22 @@ TEST_F(StreamTest, FillsAnnouncedBuffersByteExactWithTheirDescription) {
     EXPECT_EQ(StreamInfo(stream_, STREAM_INFO_NUM_CORRUPTED), 0u);
 }
 
+// The other tests run on the automatic choice: the packet ring when the tests run as root.
+TEST_F(StreamTest, TheSocketPathCanBeChosenAndFillsTheBuffersAlike) {
+    SetInterface(RY_IF_PORT_RECEIVE_PATH, 1);
+    OpenStream(2);
+    for (uint32_t frame = 0; frame < 4; ++frame) {
+        const auto pixels = Pattern(frame);
+        Camera().SendFrame(kWidth, kHeight, pixels);
+        BUFFER_HANDLE buffer = Next();
+        ASSERT_NE(buffer, nullptr);
+        const auto base = reinterpret_cast<uint8_t*>(BufferInfo(stream_, buffer, BUFFER_INFO_BASE));
+        EXPECT_EQ(std::memcmp(base, pixels.data(), pixels.size()), 0);
+        EXPECT_EQ(BufferInfo(stream_, buffer, BUFFER_INFO_STATUS), 0u);
+        ASSERT_EQ(DSQueueBuffer(stream_, buffer), GC_ERR_SUCCESS);
+    }
+}
+
 TEST_F(StreamTest, RandomLossIsRecoveredByResend) {
     OpenStream(4);
     std::mt19937 random(5);

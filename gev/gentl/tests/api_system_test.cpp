@@ -132,15 +132,16 @@ TEST_F(ProducerTest, SystemPseudoAddressesKeepTheirSettings) {
 }
 
 TEST_F(ProducerTest, InterfacePseudoAddressesKeepTheirSettings) {
-    const std::pair<uint64_t, uint32_t> defaults[] = {
-        {7, 3000}, {8, 100}, {9, 1}, {16, 0}, {17, 0}};
+    const std::pair<uint64_t, uint32_t> defaults[] = {{7, 3000}, {8, 100}, {9, 1},
+                                                      {16, 0},   {17, 0},  {18, 0}};
     for (const auto& [address, value] : defaults) {
         uint32_t read = 0;
         size_t size = sizeof read;
         ASSERT_EQ(GCReadPort(iface_, address, &read, &size), GC_ERR_SUCCESS);
         EXPECT_EQ(read, value) << address;
     }
-    const std::pair<uint64_t, uint32_t> writes[] = {{7, 0}, {8, 0}, {9, 0}, {16, 1}, {17, 1}};
+    const std::pair<uint64_t, uint32_t> writes[] = {{7, 0},  {8, 0},  {9, 0},
+                                                    {16, 1}, {17, 1}, {18, 2}};
     for (const auto& [address, value] : writes) {
         size_t size = sizeof value;
         ASSERT_EQ(GCWritePort(iface_, address, &value, &size), GC_ERR_SUCCESS);
@@ -157,6 +158,9 @@ TEST_F(ProducerTest, InterfacePseudoAddressesKeepTheirSettings) {
     uint32_t read = 0;
     size_t size = sizeof read;
     EXPECT_EQ(GCReadPort(again, 2, &read, &size), GC_ERR_INVALID_ADDRESS);
+    const uint32_t noSuchPath = 3;
+    EXPECT_EQ(GCWritePort(again, RY_IF_PORT_RECEIVE_PATH, &noSuchPath, &size),
+              GC_ERR_INVALID_PARAMETER);
     EXPECT_EQ(IFClose(again), GC_ERR_SUCCESS);
 }
 

@@ -4,18 +4,16 @@
 
 namespace ry::gev::stream::detail {
 
-namespace {
-
-constexpr uint32_t kStandardBlockIdSpan = 65535;  // 16-bit ids run 1..65535, 0 is unused
-
-}  // namespace
-
 FrameAssembler::FrameAssembler(const ReceiverCallbacks& callbacks, SharedCounters& shared)
     : callbacks_(callbacks), shared_(shared) {}
 
 void FrameAssembler::Configure(const ReceiverSettings& settings) {
     if (settings.packetSize != settings_.packetSize) {
         packetSizeHintRefuted_ = false;
+    }
+    if (settings.extendedIds != settings_.extendedIds) {
+        sequence_.Reset();  // the device numbers its blocks anew in the other id mode
+        CountDropped(sequence_.TakeDropped());
     }
     settings_ = settings;
 }
@@ -25,8 +23,8 @@ void FrameAssembler::Reset() {
         slot.Release();
     }
     lastSlot_ = nullptr;
-    anyBlockOpened_ = false;
-    newestBlockId_ = 0;
+    sequence_.Reset();
+    CountDropped(sequence_.TakeDropped());
 }
 
 void FrameAssembler::Publish() {
@@ -34,11 +32,9 @@ void FrameAssembler::Publish() {
     pending_ = ReceiverCounters{};
 }
 
-// Block ids of the two id modes are different blocks: a device switched to extended ids
-// starts again at 1.
-FrameSlot* FrameAssembler::FindSlot(uint64_t blockId, bool extendedIds) {
+FrameSlot* FrameAssembler::FindSlot(uint64_t blockId) {
     const auto matches = [&](const FrameSlot& slot) {
-        return slot.Active() && slot.BlockId() == blockId && slot.ExtendedIds() == extendedIds;
+        return slot.Active() && slot.BlockId() == blockId;
     };
     if (lastSlot_ != nullptr && matches(*lastSlot_)) {
         return lastSlot_;
@@ -52,25 +48,18 @@ FrameSlot* FrameAssembler::FindSlot(uint64_t blockId, bool extendedIds) {
     return nullptr;
 }
 
-// A block id that is neither open nor newer than the newest one belongs to a block already
-// given back (or dropped for want of a buffer): its packets are leftovers. An id far behind
-// the newest means the device restarted its count.
-bool FrameAssembler::IsNewBlock(const GvspPacket& packet) const {
-    if (!anyBlockOpened_ || packet.extendedId != extendedIds_) {
-        return true;
+void FrameAssembler::CountDropped(BlockSequence::Verdict verdict) {
+    switch (verdict) {
+        case BlockSequence::Verdict::Newest:
+        case BlockSequence::Verdict::Late:
+            ++pending_.packetsIgnored;  // leftovers of blocks already given back
+            break;
+        case BlockSequence::Verdict::Far:
+            ++pending_.packetsRejected;
+            break;
+        case BlockSequence::Verdict::Open:
+            break;
     }
-    uint64_t behind = 0;
-    if (packet.extendedId) {
-        if (packet.blockId > newestBlockId_) {
-            return true;
-        }
-        behind = newestBlockId_ - packet.blockId;
-    } else {
-        const uint64_t ahead =
-            (packet.blockId + kStandardBlockIdSpan - newestBlockId_) % kStandardBlockIdSpan;
-        behind = ahead == 0 ? 0 : kStandardBlockIdSpan - ahead;
-    }
-    return behind > kLateBlockWindow;
 }
 
 uint32_t FrameAssembler::StreamPacketBytes(bool extendedId) const {
@@ -99,9 +88,7 @@ FrameSlot& FrameAssembler::FreeSlot() {
 }
 
 FrameSlot* FrameAssembler::OpenBlock(const GvspPacket& packet, TimePoint now) {
-    anyBlockOpened_ = true;
-    extendedIds_ = packet.extendedId;
-    newestBlockId_ = packet.blockId;
+    sequence_.Opened(packet.blockId);
     MarkOlderFramesDue(now);
     FrameSlot& slot = FreeSlot();
     LentBuffer buffer;
@@ -132,7 +119,8 @@ bool FrameAssembler::HasOpenFrame() const {
 void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now,
                                 const uint8_t* dataInPlace) {
     GvspPacket packet;
-    if (!DecodeGvspHeader(bytes, size, packet) || (!packet.extendedId && packet.blockId == 0)) {
+    if (!DecodeGvspHeader(bytes, size, packet) || (!packet.extendedId && packet.blockId == 0) ||
+        packet.extendedId != settings_.extendedIds) {
         ++pending_.packetsRejected;
         return;
     }
@@ -145,35 +133,61 @@ void FrameAssembler::OnDatagram(const uint8_t* bytes, size_t size, TimePoint now
         ++pending_.packetsIgnored;
         return;
     }
-    FrameSlot* slot = FindSlot(packet.blockId, packet.extendedId);
+    FrameSlot* slot = FindSlot(packet.blockId);
     if ((packet.status & kErrorStatusBit) != 0) {
         OnErrorPacket(slot, packet);
         return;
     }
-    if (slot == nullptr) {
-        if (!IsNewBlock(packet)) {
-            ++pending_.packetsIgnored;
-            return;
-        }
-        slot = OpenBlock(packet, now);
-        if (slot == nullptr) {
-            return;
-        }
+    if (slot != nullptr) {
+        sequence_.OnStreamPacket();
+    } else if ((slot = SlotForNewBlock(packet, now)) == nullptr) {
+        return;
     }
+    Accept(*slot, packet, now);
+}
+
+// A packet of a block that is not open: opens it when it is the stream's next block or a
+// run out of sequence proved to be the stream (whose first packet is then replayed).
+FrameSlot* FrameAssembler::SlotForNewBlock(const GvspPacket& packet, TimePoint now) {
+    bool kept = false;
+    const BlockSequence::Verdict verdict = sequence_.Judge(packet, kept);
+    CountDropped(sequence_.TakeDropped());
+    if (verdict != BlockSequence::Verdict::Open) {
+        if (!kept) {
+            CountDropped(verdict);
+        }
+        return nullptr;
+    }
+    FrameSlot* slot = OpenBlock(packet, now);
+    GvspPacket first;
+    const bool replay = sequence_.TakeKept(packet.blockId, first);
+    CountDropped(sequence_.TakeDropped());
+    if (slot != nullptr && replay && first.packetId != packet.packetId) {
+        Accept(*slot, first, now);
+        if (!slot->Active()) {
+            return nullptr;
+        }
+    } else if (replay) {
+        ++pending_.packetsIgnored;  // no buffer for the block, or the same packet again
+    }
+    return slot;
+}
+
+void FrameAssembler::Accept(FrameSlot& slot, const GvspPacket& packet, TimePoint now) {
     ++pending_.packetsReceived;
-    slot->lastPacketAt = now;
+    slot.lastPacketAt = now;
     switch (static_cast<PacketFormat>(packet.format)) {
         case PacketFormat::Leader:
-            OnLeader(*slot, packet);
+            OnLeader(slot, packet);
             break;
         case PacketFormat::Trailer:
-            OnTrailer(*slot, packet);
+            OnTrailer(slot, packet);
             break;
         case PacketFormat::GenericPayload:
-            OnPayload(*slot, packet);
+            OnPayload(slot, packet);
             break;
     }
-    AfterPacket(*slot, packet.packetId, now);
+    AfterPacket(slot, packet.packetId, now);
 }
 
 void FrameAssembler::OnLeader(FrameSlot& slot, const GvspPacket& packet) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 
+#include "block_sequence.h"
 #include "frame_slot.h"
 #include "gvsp_view.h"
 #include "shared_counters.h"
@@ -17,8 +18,6 @@ class FrameAssembler {
     // Frames that may be in progress at once: one receiving, the others waiting for resends.
     // At hundreds of frames a second a resend round spans several frames.
     static constexpr size_t kFramesInFlight = 8;
-    // Packets of a block this many ids behind the newest are late leftovers, not a restart.
-    static constexpr uint64_t kLateBlockWindow = 100;
     // Resend requests per round; past this the rest of the block is asked as one range.
     static constexpr uint32_t kMaxRangesPerRound = 32;
 
@@ -34,6 +33,8 @@ class FrameAssembler {
     // Hints for the next batch: the packets the block being received still lacks.
     size_t PlanPlacements(PlacementHint* out, size_t max) const;
     bool HasOpenFrame() const;
+    // The last payload id of the latest complete frame: the next is likely to end there too.
+    uint32_t UsualLastPayloadId() const { return usualLastPayloadId_; }
     // A datagram longer than the receive slot: its tail is lost, so none of it is used.
     void OnTruncatedDatagram() { ++pending_.packetsRejected; }
     void OnForeignDatagram() { ++pending_.packetsIgnored; }
@@ -50,9 +51,11 @@ class FrameAssembler {
     void Publish();
 
   private:
-    FrameSlot* FindSlot(uint64_t blockId, bool extendedIds);
-    bool IsNewBlock(const GvspPacket& packet) const;
+    FrameSlot* FindSlot(uint64_t blockId);
+    FrameSlot* SlotForNewBlock(const GvspPacket& packet, TimePoint now);
     FrameSlot* OpenBlock(const GvspPacket& packet, TimePoint now);
+    void CountDropped(BlockSequence::Verdict verdict);
+    void Accept(FrameSlot& slot, const GvspPacket& packet, TimePoint now);
     FrameSlot& FreeSlot();
     uint32_t StreamPacketBytes(bool extendedId) const;
 
@@ -76,10 +79,9 @@ class FrameAssembler {
     ReceiverSettings settings_;
     std::array<FrameSlot, kFramesInFlight> slots_;
     FrameSlot* lastSlot_ = nullptr;  // the block most packets belong to
-    bool anyBlockOpened_ = false;
-    bool extendedIds_ = false;
-    uint64_t newestBlockId_ = 0;
+    BlockSequence sequence_;
     uint32_t learnedPacketBytes_ = 0;
+    uint32_t usualLastPayloadId_ = 0;
     bool packetSizeHintRefuted_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <sys/prctl.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <mutex>
 #include <thread>
@@ -12,6 +13,7 @@
 
 #include "datagram_socket.h"
 #include "frame_assembler.h"
+#include "packet_ring.h"
 #include "receive_batch.h"
 #include "shared_counters.h"
 
@@ -24,21 +26,43 @@ using detail::Clock;
 // Longest sleep of an idle receiving thread; Stop wakes it at once through the event.
 constexpr int kIdlePollMs = 200;
 constexpr auto kCoalescingNap = std::chrono::microseconds(100);
+constexpr size_t kNapUntilTheLast = 12;  // packets a frame still lacks
 constexpr unsigned long kTimerSlackNs = 10'000;
+// Ring path: datagrams read between two looks at the clock and the settings; how often a
+// payload packet wakes the thread (with every trailer) so the frame is copied out while it
+// streams in; and how many packets before a frame's usual end it is woken once more, so that
+// only those few are left to copy when the trailer lands.
+constexpr size_t kRingBatch = 256;
+constexpr uint32_t kWakeEveryNthPacket = 128;
+constexpr uint32_t kWakeBeforeTheEnd = 8;
+// Wake-up datagrams read per call; the filter cuts each to a few bytes.
+constexpr size_t kWakeBatch = 16;
+constexpr size_t kWakeBytes = 64;
 
 class FrameReceiverImpl final : public FrameReceiver {
   public:
     FrameReceiverImpl(const ReceiverEndpoint& endpoint, const ReceiverSettings& settings,
-                      ReceiverCallbacks callbacks, detail::DatagramSocket socket)
+                      ReceiverCallbacks callbacks, detail::DatagramSocket socket,
+                      detail::PacketRing ring)
         : endpoint_(endpoint),
           settings_(settings),
           callbacks_(std::move(callbacks)),
           socket_(std::move(socket)),
-          assembler_(callbacks_, counters_) {}
+          ring_(std::move(ring)),
+          assembler_(callbacks_, counters_) {
+        for (size_t i = 0; i < kWakeBatch; ++i) {
+            wakeVectors_[i] = {wakeBytes_[i].data(), kWakeBytes};
+            wakeHeaders_[i].msg_hdr.msg_iov = &wakeVectors_[i];
+            wakeHeaders_[i].msg_hdr.msg_iovlen = 1;
+        }
+    }
 
     ~FrameReceiverImpl() override { Stop(true, nullptr); }
 
     uint16_t LocalPort() const override { return socket_.Port(); }
+    ReceivePath PathInUse() const override {
+        return ring_.Valid() ? ReceivePath::PacketRing : ReceivePath::Socket;
+    }
 
     void SetSettings(const ReceiverSettings& settings) override {
         std::lock_guard lock(settingsMutex_);
@@ -60,11 +84,14 @@ class FrameReceiverImpl final : public FrameReceiver {
   private:
     bool RebindForSettings();
     void ReceiveLoopGuarded();
-    void ReceiveLoop();
+    void SocketLoop();
+    void RingLoop();
     void ReloadSettingsIfChanged(uint64_t& seenGeneration);
     bool WaitForPackets(int timeoutMs);
     void HandleBatch();
     size_t BatchSizeWanted();
+    size_t HandleRing(size_t max);
+    void DrainSocket();
 
     const ReceiverEndpoint endpoint_;
     mutable std::mutex settingsMutex_;
@@ -72,12 +99,16 @@ class FrameReceiverImpl final : public FrameReceiver {
     std::atomic<uint64_t> settingsGeneration_{1};
     const ReceiverCallbacks callbacks_;
     detail::DatagramSocket socket_;
+    detail::PacketRing ring_;  // invalid on the socket path
     detail::SharedCounters counters_;
     detail::FrameAssembler assembler_;
     detail::ReceiveBatch batch_;
     std::vector<detail::PlacementHint> hints_ =
         std::vector<detail::PlacementHint>(batch_.HintCapacity());
     size_t hintCount_ = 0;
+    std::array<std::array<uint8_t, kWakeBytes>, kWakeBatch> wakeBytes_{};
+    std::array<iovec, kWakeBatch> wakeVectors_{};
+    std::array<mmsghdr, kWakeBatch> wakeHeaders_{};
     detail::WakeEvent wake_;
     std::atomic<bool> stopRequested_{false};
     std::atomic<bool> running_{false};
@@ -89,17 +120,51 @@ uint32_t BindAddress(const ReceiverEndpoint& endpoint, const ReceiverSettings& s
     return settings.acceptAnyInterface ? 0 : endpoint.localIp;
 }
 
-// The LAG setting decides which local address the socket listens on; the port stays the one
-// the device was told about.
+// The socket stays bound on the ring path too: the host then never answers the device's
+// packets with port-unreachable, and its filter lets through the packets that wake the
+// receiving thread.
+bool OpenPath(uint32_t ip, uint16_t port, const ReceiverEndpoint& endpoint,
+              detail::DatagramSocket& socket, detail::PacketRing& ring, std::string* errorText) {
+    socket = detail::DatagramSocket::Open(ip, port, endpoint.socketBufferBytes, errorText);
+    if (!socket.Valid() || endpoint.receivePath == ReceivePath::Socket) {
+        return socket.Valid();
+    }
+    std::string ringError;
+    ring = detail::PacketRing::Open(ip, socket.Port(), endpoint.socketBufferBytes, &ringError);
+    if (ring.Valid() && !detail::AttachWakeFilter(socket.Fd(), kWakeEveryNthPacket, 0)) {
+        ring = detail::PacketRing{};
+        ringError = "cannot filter the stream socket";
+    }
+    if (!ring.Valid() && endpoint.receivePath == ReceivePath::PacketRing) {
+        if (errorText != nullptr) {
+            *errorText = ringError;
+        }
+        socket = detail::DatagramSocket{};
+        return false;
+    }
+    return true;
+}
+
+// The LAG setting decides which local address the socket (and the ring) listens on; the port
+// stays the one the device was told about.
 bool FrameReceiverImpl::RebindForSettings() {
     const uint32_t wanted = BindAddress(endpoint_, Settings());
     if (wanted == socket_.BoundIp()) {
         return true;
     }
     const uint16_t port = socket_.Port();
+    ReceiverEndpoint sameAsBefore = endpoint_;
+    sameAsBefore.receivePath = PathInUse();
     socket_ = detail::DatagramSocket{};
-    socket_ = detail::DatagramSocket::Open(wanted, port, endpoint_.socketBufferBytes, nullptr);
-    return socket_.Valid();
+    ring_ = detail::PacketRing{};
+    return OpenPath(wanted, port, sameAsBefore, socket_, ring_, nullptr);
+}
+
+// Empties the stream socket of the ring path, whose datagrams only woke the thread.
+void FrameReceiverImpl::DrainSocket() {
+    while (::recvmmsg(socket_.Fd(), wakeHeaders_.data(), kWakeBatch, MSG_DONTWAIT, nullptr) ==
+           static_cast<int>(kWakeBatch)) {
+    }
 }
 
 bool FrameReceiverImpl::Start() {
@@ -175,8 +240,14 @@ void FrameReceiverImpl::HandleBatch() {
 // A callback that throws ends the receiving thread rather than the process; the lender sees
 // Running() turn false.
 void FrameReceiverImpl::ReceiveLoopGuarded() {
+    ::prctl(PR_SET_TIMERSLACK, kTimerSlackNs);             // keeps the naps close to their length
+    ::pthread_setname_np(::pthread_self(), "ry-gvsp-rx");  // found easily in top and perf
     try {
-        ReceiveLoop();
+        if (ring_.Valid()) {
+            RingLoop();
+        } else {
+            SocketLoop();
+        }
     } catch (...) {
         assembler_.Publish();
     }
@@ -198,19 +269,20 @@ size_t FrameReceiverImpl::BatchSizeWanted() {
     return assembler_.HasOpenFrame() ? batch_.Capacity() : kProbeMessages;
 }
 
-void FrameReceiverImpl::ReceiveLoop() {
-    ::prctl(PR_SET_TIMERSLACK, kTimerSlackNs);             // keeps the naps close to their length
-    ::pthread_setname_np(::pthread_self(), "ry-gvsp-rx");  // found easily in top and perf
+void FrameReceiverImpl::SocketLoop() {
     uint64_t seenGeneration = 0;
     bool batchWasFull = false;
     size_t lastCount = 0;
     while (!stopRequested_.load(std::memory_order_acquire)) {
         ReloadSettingsIfChanged(seenGeneration);
+        const size_t wanted = BatchSizeWanted();
         // A full batch means more is waiting: skip the poll and read again.
-        if (!batchWasFull && lastCount > 0 && assembler_.HasOpenFrame()) {
+        if (!batchWasFull && lastCount > 0 && assembler_.HasOpenFrame() &&
+            hintCount_ > kNapUntilTheLast) {
             // Mid-frame, a short batch means the thread is ahead of the wire. A nap lets the
             // socket gather a fuller batch and spares the sender a wake-up per few packets,
-            // which on loopback it pays for.
+            // which on loopback it pays for. The frame's last packets are waited for in poll,
+            // so that the frame is handed over as soon as its trailer lands.
             std::this_thread::sleep_for(kCoalescingNap);
         } else if (!batchWasFull) {
             const int timeoutMs = assembler_.MillisecondsToNextDeadline(Clock::now(), kIdlePollMs);
@@ -218,7 +290,6 @@ void FrameReceiverImpl::ReceiveLoop() {
                 break;
             }
         }
-        const size_t wanted = BatchSizeWanted();
         const size_t count = batch_.ReceiveFrom(socket_.Fd(), hints_.data(), hintCount_, wanted);
         batchWasFull = count == wanted;
         lastCount = count;
@@ -229,19 +300,68 @@ void FrameReceiverImpl::ReceiveLoop() {
     assembler_.Publish();
 }
 
+size_t FrameReceiverImpl::HandleRing(size_t max) {
+    const auto now = Clock::now();
+    const uint32_t deviceIp = endpoint_.deviceIp;
+    detail::RingDatagram datagram;
+    size_t handled = 0;
+    for (; handled < max && ring_.Peek(datagram); ++handled) {
+        if (deviceIp != 0 && datagram.sourceIp != deviceIp) {
+            assembler_.OnForeignDatagram();
+        } else if (datagram.truncated) {
+            assembler_.OnTruncatedDatagram();
+        } else {
+            assembler_.OnDatagram(datagram.bytes, datagram.size, now);
+        }
+        ring_.Release();
+    }
+    return handled;
+}
+
+// Reads ready ring slots without a system call and sleeps on the stream socket, which its
+// filter wakes about once per kWakeEveryNthPacket packets, shortly before a frame's usual end
+// and at every trailer. Packets that
+// land after the last look wait for the next wake-up, the next deadline of a frame (resend,
+// time-out) or at most kIdlePollMs.
+void FrameReceiverImpl::RingLoop() {
+    uint64_t seenGeneration = 0;
+    uint32_t wakeFilterEnd = 0;
+    while (!stopRequested_.load(std::memory_order_acquire)) {
+        ReloadSettingsIfChanged(seenGeneration);
+        const size_t handled = HandleRing(kRingBatch);
+        const auto now = Clock::now();
+        assembler_.Service(now);
+        assembler_.Publish();
+        if (const uint32_t end = assembler_.UsualLastPayloadId();
+            end != wakeFilterEnd && end > 2 * kWakeBeforeTheEnd) {
+            wakeFilterEnd = end;  // once per stream, or when the frame size changes
+            detail::AttachWakeFilter(socket_.Fd(), kWakeEveryNthPacket, end - kWakeBeforeTheEnd);
+        }
+        if (handled == kRingBatch) {
+            continue;
+        }
+        if (!WaitForPackets(assembler_.MillisecondsToNextDeadline(now, kIdlePollMs))) {
+            break;
+        }
+        DrainSocket();
+    }
+    assembler_.Publish();
+}
+
 }  // namespace
 
 std::unique_ptr<FrameReceiver> FrameReceiver::Create(const ReceiverEndpoint& endpoint,
                                                      const ReceiverSettings& settings,
                                                      ReceiverCallbacks callbacks,
                                                      std::string* errorText) {
-    detail::DatagramSocket socket = detail::DatagramSocket::Open(
-        BindAddress(endpoint, settings), endpoint.localPort, endpoint.socketBufferBytes, errorText);
-    if (!socket.Valid()) {
+    detail::DatagramSocket socket;
+    detail::PacketRing ring;
+    if (!OpenPath(BindAddress(endpoint, settings), endpoint.localPort, endpoint, socket, ring,
+                  errorText)) {
         return nullptr;
     }
     return std::make_unique<FrameReceiverImpl>(endpoint, settings, std::move(callbacks),
-                                               std::move(socket));
+                                               std::move(socket), std::move(ring));
 }
 
 }  // namespace ry::gev::stream

@@ -1,5 +1,7 @@
 #include "frame_slot.h"
 
+#include "streaming_copy.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -26,13 +28,13 @@ void FrameSlot::Open(uint64_t blockId, bool extendedIds, const LentBuffer& buffe
     extendedIds_ = extendedIds;
     buffer_ = buffer;
     leader_ = LeaderFields{};
-    haveLeader_ = haveTrailer_ = tooSmall_ = inconsistent_ = false;
+    haveLeader_ = haveTrailer_ = tooSmall_ = false;
     packetBytes_ = packetBytes;
     firstPacketBytes_ = lastPayloadId_ = highestPayloadId_ = payloadReceived_ = 0;
     linesSent_ = 0;
     shortPacketId_ = shortPacketBytes_ = oversizedPackets_ = undersizedPackets_ = 0;
     resentPackets_ = 0;
-    withdrawnPackets_ = outOfBufferId_ = 0;
+    withdrawnPackets_ = strayPackets_ = outOfBufferId_ = 0;
     bytesFilled_ = 0;
     // Until the packet size is known only the leader and packet 1 (always at offset 0) fit.
     const uint32_t ids = packetBytes_ != 0 ? PacketIdsFor(buffer.size, packetBytes_) : 2;
@@ -67,6 +69,9 @@ bool FrameSlot::OnLeader(const LeaderFields& leader) {
     resentPackets_ += requested_.Test(0) ? 1 : 0;
     leader_ = leader;
     haveLeader_ = true;
+    if (const uint32_t last = LeadersLastPayloadId(); last != 0 && !haveTrailer_) {
+        WithdrawPast(last);
+    }
     return true;
 }
 
@@ -77,6 +82,7 @@ bool FrameSlot::OnTrailer(uint32_t packetId, uint32_t linesSent) {
     haveTrailer_ = true;
     linesSent_ = linesSent;
     lastPayloadId_ = packetId - 1;
+    WithdrawPast(lastPayloadId_);
     if (received_.Set(packetId)) {
         resentPackets_ += requested_.Test(packetId) ? 1 : 0;
     }
@@ -86,8 +92,32 @@ bool FrameSlot::OnTrailer(uint32_t packetId, uint32_t linesSent) {
     if (shortPacketId_ != 0 && shortPacketId_ != lastPayloadId_) {
         ForgetShortPacket();
     }
-    inconsistent_ = highestPayloadId_ > lastPayloadId_;
     return true;
+}
+
+// Packets placed past the end the leader or the trailer tells were strays (a forged id, a
+// packet of another block size): their bits and bytes go, so the block can still be whole.
+void FrameSlot::WithdrawPast(uint32_t last) {
+    if (highestPayloadId_ <= last) {
+        return;
+    }
+    if (shortPacketId_ > last) {
+        ForgetShortPacket();
+        --withdrawnPackets_;
+        ++strayPackets_;
+    }
+    const uint32_t end = std::min(highestPayloadId_, received_.Size() - 1);
+    for (uint32_t id = last + 1; id <= end && packetBytes_ != 0; ++id) {
+        if (!received_.Test(id)) {
+            continue;
+        }
+        received_.Clear(id);
+        const uint64_t offset = uint64_t{id - 1} * packetBytes_;
+        bytesFilled_ -= std::min<size_t>(packetBytes_, buffer_.size - offset);
+        --payloadReceived_;
+        ++strayPackets_;
+    }
+    highestPayloadId_ = last;
 }
 
 void FrameSlot::ForgetShortPacket() {
@@ -139,8 +169,25 @@ bool FrameSlot::KnowsPacketBytes(uint32_t packetId, size_t size) {
     return false;
 }
 
+// An image leader tells the block's size, so its last payload id once P is known; 0 when
+// the leader has not come or does not say.
+uint32_t FrameSlot::LeadersLastPayloadId() const {
+    if (!haveLeader_ || leader_.payloadBytes == 0 || packetBytes_ == 0) {
+        return 0;
+    }
+    const uint64_t packets = (leader_.payloadBytes + packetBytes_ - 1) / packetBytes_;
+    return static_cast<uint32_t>(std::min<uint64_t>(packets, kMaxPacketIds));
+}
+
+// Ids past the leader's size belong to no packet of this block.
+bool FrameSlot::PastTheLeadersEnd(uint32_t packetId) const {
+    const uint32_t last = LeadersLastPayloadId();
+    return last != 0 && packetId > last;
+}
+
 PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size_t size) {
-    if (packetId == 0 || size == 0 || (haveTrailer_ && packetId > lastPayloadId_)) {
+    if (packetId == 0 || size == 0 || (haveTrailer_ && packetId > lastPayloadId_) ||
+        PastTheLeadersEnd(packetId)) {
         return PlaceResult::Rejected;
     }
     if (!KnowsPacketBytes(packetId, size)) {
@@ -171,10 +218,12 @@ PlaceResult FrameSlot::PlacePayload(uint32_t packetId, const uint8_t* data, size
 
 void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, size_t size) {
     const size_t copied = std::min(size, buffer_.size - offset);
-    tooSmall_ = tooSmall_ || copied < size;
+    if (copied < size) {
+        outOfBufferId_ = std::max(outOfBufferId_, packetId);  // a stray id proves nothing yet
+    }
     received_.Set(packetId);
     if (data != buffer_.data + offset) {  // the kernel may have put it in place already
-        std::memcpy(buffer_.data + offset, data, copied);
+        StreamingCopy(buffer_.data + offset, data, copied);
     }
     bytesFilled_ += copied;
     ++payloadReceived_;
@@ -184,10 +233,7 @@ void FrameSlot::CopyIn(uint32_t packetId, size_t offset, const uint8_t* data, si
     } else if (shortPacketId_ != 0 && packetId > shortPacketId_) {
         ForgetShortPacket();
     }
-    if (packetId > highestPayloadId_) {
-        highestPayloadId_ = packetId;
-        inconsistent_ = inconsistent_ || (haveTrailer_ && packetId > lastPayloadId_);
-    }
+    highestPayloadId_ = std::max(highestPayloadId_, packetId);
 }
 
 bool FrameSlot::Overflowed() const {
@@ -196,20 +242,26 @@ bool FrameSlot::Overflowed() const {
 }
 
 bool FrameSlot::IsComplete() const {
-    return haveLeader_ && haveTrailer_ && !Overflowed() && !inconsistent_ &&
-           payloadReceived_ == lastPayloadId_;
+    return haveLeader_ && haveTrailer_ && !Overflowed() && payloadReceived_ == lastPayloadId_;
+}
+
+// Each payload packet carries at least one byte, and P bytes once P is known.
+uint32_t FrameSlot::LastPayloadIdThatFits() const {
+    if (packetBytes_ != 0) {
+        return received_.Size() - 2;
+    }
+    return static_cast<uint32_t>(std::min<uint64_t>(buffer_.size, kMaxPacketIds - 2));
 }
 
 uint32_t FrameSlot::ExpectedLastPayloadId() const {
+    uint64_t last = highestPayloadId_;
     if (haveTrailer_) {
-        return lastPayloadId_;
-    }
-    if (haveLeader_ && leader_.payloadBytes != 0 && packetBytes_ != 0) {
+        last = lastPayloadId_;
+    } else if (haveLeader_ && leader_.payloadBytes != 0 && packetBytes_ != 0) {
         const uint64_t fitting = std::min<uint64_t>(leader_.payloadBytes, buffer_.size);
-        const uint64_t packets = (fitting + packetBytes_ - 1) / packetBytes_;
-        return static_cast<uint32_t>(std::max<uint64_t>(packets, highestPayloadId_));
+        last = std::max<uint64_t>((fitting + packetBytes_ - 1) / packetBytes_, highestPayloadId_);
     }
-    return highestPayloadId_;
+    return static_cast<uint32_t>(std::min<uint64_t>(last, LastPayloadIdThatFits()));
 }
 
 size_t FrameSlot::PlanPlacements(PlacementHint* out, size_t max) const {

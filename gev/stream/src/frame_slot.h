@@ -47,6 +47,8 @@ class FrameSlot {
     bool HasTrailer() const { return haveTrailer_; }
     // Packets first taken as the short last one and dropped when later packets showed up.
     uint32_t WithdrawnPackets() const { return withdrawnPackets_; }
+    // Packets placed before the trailer showed they lay past the block's end, then dropped.
+    uint32_t StrayPackets() const { return strayPackets_; }
 
     // Each returns true when the packet was new for this block.
     bool OnLeader(const LeaderFields& leader);
@@ -56,8 +58,13 @@ class FrameSlot {
 
     bool IsComplete() const;
     // The best guess of the last payload packet id: the trailer's, else the leader's size,
-    // else the highest id seen.
+    // else the highest id seen; never past what the buffer can hold, so a forged id cannot
+    // inflate the missing count or the resend requests.
     uint32_t ExpectedLastPayloadId() const;
+    // The last payload id the trailer or an image leader told; 0 when neither has.
+    uint32_t DeclaredLastPayloadId() const {
+        return haveTrailer_ ? lastPayloadId_ : LeadersLastPayloadId();
+    }
     // Packets of [0, expected last + 1] not yet received (leader and trailer included).
     uint32_t MissingCount() const;
     // Calls visit(first, last) for every missing run in [0, expected last + 1].
@@ -90,6 +97,10 @@ class FrameSlot {
 
   private:
     bool Overflowed() const;
+    uint32_t LastPayloadIdThatFits() const;
+    uint32_t LeadersLastPayloadId() const;
+    bool PastTheLeadersEnd(uint32_t packetId) const;
+    void WithdrawPast(uint32_t last);
     void LearnPacketBytes(uint32_t packetBytes);
     bool KnowsPacketBytes(uint32_t packetId, size_t size);
     void ForgetShortPacket();
@@ -104,7 +115,6 @@ class FrameSlot {
     bool haveLeader_ = false;
     bool haveTrailer_ = false;
     bool tooSmall_ = false;
-    bool inconsistent_ = false;  // packets past the trailer's end were placed earlier
     uint32_t packetBytes_ = 0;
     uint32_t firstPacketBytes_ = 0;  // size of packet 1 while the packet size is unknown
     uint32_t lastPayloadId_ = 0;     // from the trailer
@@ -116,7 +126,8 @@ class FrameSlot {
     uint32_t oversizedPackets_ = 0;
     uint32_t undersizedPackets_ = 0;  // short packets refused because they were not the last
     uint32_t withdrawnPackets_ = 0;
-    uint32_t outOfBufferId_ = 0;  // highest payload id that fell past the buffer
+    uint32_t strayPackets_ = 0;
+    uint32_t outOfBufferId_ = 0;  // highest payload id that fell (partly) past the buffer
     uint32_t resentPackets_ = 0;
     size_t bytesFilled_ = 0;
     PacketBitmap received_;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "frame_assembler.h"
+#include "streaming_copy.h"
 
 namespace ry::gev::stream::detail {
 
@@ -126,7 +127,10 @@ void FrameAssembler::Close(FrameSlot& slot) {
     pending_.framesIncomplete += frame.status == FrameStatus::Complete ? 0 : 1;
     pending_.packetsMissing += frame.missingPackets;
     pending_.packetsResent += frame.resentPackets;
-    pending_.packetsRejected += slot.WithdrawnPackets();
+    pending_.packetsRejected += slot.WithdrawnPackets() + slot.StrayPackets();
+    if (frame.status == FrameStatus::Complete) {
+        usualLastPayloadId_ = slot.DeclaredLastPayloadId();
+    }
     if (slot.PacketSizeRefuted()) {
         // The device's packets do not have the size we placed by: learn it again.
         learnedPacketBytes_ = 0;
@@ -134,6 +138,7 @@ void FrameAssembler::Close(FrameSlot& slot) {
     }
     slot.Release();
     Publish();
+    StreamingCopyFence();  // the frame's bytes are in memory before another thread reads them
     if (callbacks_.deliver) {
         callbacks_.deliver(frame);
     }

@@ -14,7 +14,6 @@ namespace {
 // A header and a region per packet, and the rest of the slot.
 constexpr size_t kVectorsPerMessage = 2 * ReceiveBatch::kMaxTrain + 1;
 constexpr size_t kHeaderStep = ReceiveBatch::kHeaderStep;
-constexpr size_t kHeaderArea = ReceiveBatch::kHeaderArea;
 constexpr size_t kControlBytes = CMSG_SPACE(sizeof(int));
 // Packets one datagram may carry (the kernel's own limit for a train); a datagram claiming
 // more is refused as a whole.

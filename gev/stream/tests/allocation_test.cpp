@@ -55,6 +55,9 @@ constexpr uint32_t kWidth = 200;
 constexpr uint32_t kHeight = 150;
 
 // Lends and takes back buffers from fixed storage without allocating.
+class Allocation : public OnBothPaths {};
+RY_ON_BOTH_PATHS(Allocation);
+
 struct QuietLender {
     std::array<std::vector<uint8_t>, kBuffers> storage;
     std::array<std::atomic<bool>, kBuffers> lent{};
@@ -89,7 +92,7 @@ struct QuietLender {
     }
 };
 
-TEST(Allocation, SteadyStreamingWithResendsAllocatesNothingOnTheReceivingThread) {
+TEST_P(Allocation, SteadyStreamingWithResendsAllocatesNothingOnTheReceivingThread) {
     QuietLender lender;
     std::vector<Block> blocks;
     for (uint64_t id = 1; id <= 30; ++id) {
@@ -102,8 +105,7 @@ TEST(Allocation, SteadyStreamingWithResendsAllocatesNothingOnTheReceivingThread)
     callbacks.requestResend = [&](uint64_t blockId, uint32_t first, uint32_t last) {
         device->SendRange(blocks[blockId - 1], first, last);
     };
-    ReceiverEndpoint endpoint;
-    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    const ReceiverEndpoint endpoint = LoopbackEndpoint();
     ReceiverSettings settings;
     settings.resendTimeoutMs = 20;
     auto receiver = FrameReceiver::Create(endpoint, settings, callbacks, nullptr);

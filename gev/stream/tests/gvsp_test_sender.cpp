@@ -238,15 +238,37 @@ std::vector<FrameCollector::ResendRequest> FrameCollector::Requests() {
     return requests_;
 }
 
-Harness::Harness(ReceiverSettings settings, size_t buffers, size_t bufferBytes)
-    : collector(buffers, bufferBytes) {
+namespace {
+ReceivePath pathUnderTest = ReceivePath::Socket;
+}  // namespace
+
+void SetPathUnderTest(ReceivePath path) {
+    pathUnderTest = path;
+}
+
+ReceivePath PathUnderTest() {
+    return pathUnderTest;
+}
+
+ReceiverEndpoint LoopbackEndpoint() {
     ReceiverEndpoint endpoint;
     endpoint.deviceIp = kDeviceIp;
     endpoint.localIp = kDeviceIp;
     endpoint.socketBufferBytes = 4u << 20;
+    endpoint.receivePath = pathUnderTest;
+    return endpoint;
+}
+
+std::string PathName(const ::testing::TestParamInfo<ReceivePath>& info) {
+    return info.param == ReceivePath::PacketRing ? "PacketRing" : "Socket";
+}
+
+Harness::Harness(ReceiverSettings settings, size_t buffers, size_t bufferBytes)
+    : collector(buffers, bufferBytes) {
+    const ReceiverEndpoint endpoint = LoopbackEndpoint();
     std::string error;
     receiver = FrameReceiver::Create(endpoint, settings, collector.Callbacks(), &error);
-    if (!receiver) {
+    if (!receiver || receiver->PathInUse() != endpoint.receivePath) {
         throw std::runtime_error("cannot create the receiver: " + error);
     }
     device = std::make_unique<UdpSender>(kDeviceIp, receiver->LocalPort());

@@ -2,6 +2,8 @@
 // pattern and sends chosen packets, in any order, from its own loopback address.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -108,6 +110,23 @@ class FrameCollector {
     const UdpSender* resendSender_ = nullptr;
     const std::vector<Block>* resendBlocks_ = nullptr;
 };
+
+// The receive path the engine is tested on: Harness and LoopbackEndpoint take it.
+void SetPathUnderTest(ReceivePath path);
+ReceivePath PathUnderTest();
+// Host and device both at kDeviceIp, on the path under test.
+ReceiverEndpoint LoopbackEndpoint();
+
+// A suite whose cases run once on each receive path: frames and counters must not differ.
+class OnBothPaths : public ::testing::TestWithParam<ReceivePath> {
+  protected:
+    OnBothPaths() { SetPathUnderTest(GetParam()); }
+};
+std::string PathName(const ::testing::TestParamInfo<ReceivePath>& info);
+
+#define RY_ON_BOTH_PATHS(Suite) \
+    INSTANTIATE_TEST_SUITE_P(   \
+        Paths, Suite, ::testing::Values(ReceivePath::Socket, ReceivePath::PacketRing), PathName)
 
 // The engine on loopback with a collector, ready for a device at kDeviceIp.
 struct Harness {

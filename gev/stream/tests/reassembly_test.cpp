@@ -11,6 +11,9 @@
 namespace ry::gev::stream::testing {
 namespace {
 
+class Reassembly : public OnBothPaths {};
+RY_ON_BOTH_PATHS(Reassembly);
+
 void ExpectExact(FrameCollector& collector, const ReceivedFrame& frame, const Block& block) {
     EXPECT_EQ(frame.status, FrameStatus::Complete) << "block " << block.spec.blockId;
     EXPECT_EQ(frame.blockId, block.spec.blockId);
@@ -18,7 +21,7 @@ void ExpectExact(FrameCollector& collector, const ReceivedFrame& frame, const Bl
     EXPECT_EQ(collector.Bytes(frame), block.payload) << "block " << block.spec.blockId;
 }
 
-TEST(Reassembly, InOrderFramesAreByteExactWithLeaderFields) {
+TEST_P(Reassembly, InOrderFramesAreByteExactWithLeaderFields) {
     Harness h(NoResend());
     std::vector<Block> blocks;
     for (uint64_t id = 1; id <= 3; ++id) {
@@ -42,7 +45,7 @@ TEST(Reassembly, InOrderFramesAreByteExactWithLeaderFields) {
     EXPECT_EQ(counters.bytesReceived, 3u * 64 * 48);
 }
 
-TEST(Reassembly, ShuffledAndDuplicatedPacketsGiveOneExactFrame) {
+TEST_P(Reassembly, ShuffledAndDuplicatedPacketsGiveOneExactFrame) {
     Harness h;
     const Block block = BuildBlock({.blockId = 9, .packetDataBytes = 700});
     h.device->SendAll(BuildBlock({.blockId = 8, .packetDataBytes = 700}));  // teaches the size
@@ -67,7 +70,7 @@ TEST(Reassembly, ShuffledAndDuplicatedPacketsGiveOneExactFrame) {
     EXPECT_EQ(counters.framesIncomplete, 0u);
 }
 
-TEST(Reassembly, PacketSizeIsLearnedWhenTheFirstPacketsArriveLast) {
+TEST_P(Reassembly, PacketSizeIsLearnedWhenTheFirstPacketsArriveLast) {
     // Reverse order on a fresh stream: the short last packet comes first and must not be
     // taken for the packet size. The one packet that cannot be placed yet comes back by resend.
     Harness h;
@@ -80,7 +83,7 @@ TEST(Reassembly, PacketSizeIsLearnedWhenTheFirstPacketsArriveLast) {
     ExpectExact(h.collector, h.collector.Frames()[0], blocks[0]);
 }
 
-TEST(Reassembly, PacketSizeHintPlacesPacketsBeforeAnyFullPacketIsSeen) {
+TEST_P(Reassembly, PacketSizeHintPlacesPacketsBeforeAnyFullPacketIsSeen) {
     ReceiverSettings settings = NoResend();
     settings.packetSize = 1000 + 36;
     Harness h(settings);
@@ -92,7 +95,7 @@ TEST(Reassembly, PacketSizeHintPlacesPacketsBeforeAnyFullPacketIsSeen) {
     ExpectExact(h.collector, h.collector.Frames()[0], block);
 }
 
-TEST(Reassembly, WrongPacketSizeHintIsUnlearnedAfterOneFrame) {
+TEST_P(Reassembly, WrongPacketSizeHintIsUnlearnedAfterOneFrame) {
     for (const uint32_t realBytes : {200u, 1400u}) {  // smaller and larger than the hint
         ReceiverSettings settings = NoResend();
         settings.packetSize = 1000 + 36;
@@ -110,8 +113,10 @@ TEST(Reassembly, WrongPacketSizeHintIsUnlearnedAfterOneFrame) {
     }
 }
 
-TEST(Reassembly, ExtendedIdsCarry64BitBlockIds) {
-    Harness h(NoResend());
+TEST_P(Reassembly, ExtendedIdsCarry64BitBlockIds) {
+    ReceiverSettings settings = NoResend();
+    settings.extendedIds = true;
+    Harness h(settings);
     const uint64_t bigId = 0x123456789ull;
     std::vector<Block> blocks{BuildBlock({.blockId = bigId, .extendedIds = true}),
                               BuildBlock({.blockId = bigId + 1, .extendedIds = true, .seed = 3})};
@@ -122,7 +127,7 @@ TEST(Reassembly, ExtendedIdsCarry64BitBlockIds) {
     ExpectExact(h.collector, h.collector.Frames()[1], blocks[1]);
 }
 
-TEST(Reassembly, StandardBlockIdsWrapFrom65535ToOneAndLatePacketsAreIgnored) {
+TEST_P(Reassembly, StandardBlockIdsWrapFrom65535ToOneAndLatePacketsAreIgnored) {
     Harness h(NoResend());
     std::vector<Block> blocks;
     for (uint64_t id : {65534u, 65535u, 1u, 2u}) {
@@ -144,7 +149,7 @@ TEST(Reassembly, StandardBlockIdsWrapFrom65535ToOneAndLatePacketsAreIgnored) {
               blocks[1].packets.size());
 }
 
-TEST(Reassembly, ARestartedBlockCountOpensNewFrames) {
+TEST_P(Reassembly, ARestartedBlockCountOpensNewFrames) {
     Harness h(NoResend());
     h.device->SendAll(BuildBlock({.blockId = 5000}));
     const Block restarted = BuildBlock({.blockId = 1, .seed = 9});
@@ -153,7 +158,7 @@ TEST(Reassembly, ARestartedBlockCountOpensNewFrames) {
     ExpectExact(h.collector, h.collector.Frames()[1], restarted);
 }
 
-TEST(Reassembly, InterleavedBlocksAreAllCompleted) {
+TEST_P(Reassembly, InterleavedBlocksAreAllCompleted) {
     Harness h;
     const Block first = BuildBlock({.blockId = 20, .seed = 1});
     const Block second = BuildBlock({.blockId = 21, .seed = 2});
@@ -169,7 +174,7 @@ TEST(Reassembly, InterleavedBlocksAreAllCompleted) {
     ExpectExact(h.collector, frames[1], second);
 }
 
-TEST(Reassembly, VariableHeightFrameEndsAtTheTrailersLineCount) {
+TEST_P(Reassembly, VariableHeightFrameEndsAtTheTrailersLineCount) {
     Harness h(NoResend());
     const Block full = BuildBlock({.blockId = 1});
     Block cut = BuildBlock({.blockId = 1, .height = 30});  // 30 of the 48 announced lines
@@ -182,7 +187,7 @@ TEST(Reassembly, VariableHeightFrameEndsAtTheTrailersLineCount) {
     EXPECT_EQ(h.collector.Bytes(frame), cut.payload);
 }
 
-TEST(Reassembly, SinglePacketBlocksAndExactMultiplesOfThePacketSize) {
+TEST_P(Reassembly, SinglePacketBlocksAndExactMultiplesOfThePacketSize) {
     Harness h(NoResend(), 4, 64 * 48);
     const Block single = BuildBlock({.blockId = 1, .width = 10, .height = 10});
     const Block exact =
@@ -203,7 +208,7 @@ namespace {
 // Packets queued while the thread is stopped are read in full batches on restart, so the
 // engine aims many of them at their places in the frame at once; disorder inside such a
 // batch must still end byte-exact.
-class BatchedReceive : public ::testing::Test {
+class BatchedReceive : public OnBothPaths {
   protected:
     static constexpr uint32_t kWidth = 200;
     static constexpr uint32_t kHeight = 150;  // 30000 bytes: 150 packets of 200 bytes
@@ -222,7 +227,9 @@ class BatchedReceive : public ::testing::Test {
     Harness h;
 };
 
-TEST_F(BatchedReceive, InOrderFramesLandInPlace) {
+RY_ON_BOTH_PATHS(BatchedReceive);
+
+TEST_P(BatchedReceive, InOrderFramesLandInPlace) {
     std::vector<Block> blocks{Make(1, 1), Make(2, 2), Make(3, 3)};
     Queue([&] {
         for (const Block& block : blocks) {
@@ -235,7 +242,7 @@ TEST_F(BatchedReceive, InOrderFramesLandInPlace) {
     }
 }
 
-TEST_F(BatchedReceive, GapsSwapsAndStrangersInsideABatchStayExact) {
+TEST_P(BatchedReceive, GapsSwapsAndStrangersInsideABatchStayExact) {
     std::vector<Block> blocks{Make(1, 1), Make(2, 2), Make(3, 3)};
     h.collector.ServeResendsFrom(h.device.get(), &blocks);
     h.device->SendAll(blocks[0]);  // teaches the packet size

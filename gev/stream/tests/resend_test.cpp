@@ -12,6 +12,9 @@
 namespace ry::gev::stream::testing {
 namespace {
 
+class Resend : public OnBothPaths {};
+RY_ON_BOTH_PATHS(Resend);
+
 ReceiverSettings FastResend(uint32_t maxRequests = 3) {
     ReceiverSettings settings;
     settings.resendTimeoutMs = 20;
@@ -28,7 +31,7 @@ void SendExcept(const UdpSender& device, const Block& block, const std::set<uint
     }
 }
 
-TEST(Resend, LostPacketsAreRecoveredByteExact) {
+TEST_P(Resend, LostPacketsAreRecoveredByteExact) {
     Harness h(FastResend());
     std::vector<Block> blocks;
     for (uint64_t id = 1; id <= 4; ++id) {
@@ -56,7 +59,7 @@ TEST(Resend, LostPacketsAreRecoveredByteExact) {
     EXPECT_EQ(counters.framesIncomplete, 0u);
 }
 
-TEST(Resend, OnePercentRandomLossIsFullyRecovered) {
+TEST_P(Resend, OnePercentRandomLossIsFullyRecovered) {
     constexpr size_t kFrames = 40;
     ReceiverSettings settings = FastResend(6);
     Harness h(settings, kFrames, 200 * 150);
@@ -89,7 +92,7 @@ TEST(Resend, OnePercentRandomLossIsFullyRecovered) {
     EXPECT_EQ(counters.packetsMissing, 0u);
 }
 
-TEST(Resend, RequestsCoverExactlyTheMissingRuns) {
+TEST_P(Resend, RequestsCoverExactlyTheMissingRuns) {
     Harness h(FastResend());
     const Block block = BuildBlock({.blockId = 7});
     std::vector<Block> blocks{block};
@@ -105,7 +108,7 @@ TEST(Resend, RequestsCoverExactlyTheMissingRuns) {
     EXPECT_EQ(requests[1].last, 9u);
 }
 
-TEST(Resend, DisabledResendClosesTheFrameIncompleteWithoutAsking) {
+TEST_P(Resend, DisabledResendClosesTheFrameIncompleteWithoutAsking) {
     ReceiverSettings settings;
     settings.resendEnabled = false;
     Harness h(settings);
@@ -122,7 +125,7 @@ TEST(Resend, DisabledResendClosesTheFrameIncompleteWithoutAsking) {
     EXPECT_EQ(counters.packetsMissing, 2u);
 }
 
-TEST(Resend, UnansweredRequestsAreRepeatedUpToTheLimitThenTheFrameIsIncomplete) {
+TEST_P(Resend, UnansweredRequestsAreRepeatedUpToTheLimitThenTheFrameIsIncomplete) {
     Harness h(FastResend(3));
     const Block block = BuildBlock({.blockId = 1});
     SendExcept(*h.device, block, {4});
@@ -137,7 +140,7 @@ TEST(Resend, UnansweredRequestsAreRepeatedUpToTheLimitThenTheFrameIsIncomplete) 
     }
 }
 
-TEST(Resend, UnavailablePacketAnswerStopsFurtherRequests) {
+TEST_P(Resend, UnavailablePacketAnswerStopsFurtherRequests) {
     ReceiverSettings settings = FastResend(5);
     settings.resendTimeoutMs = 200;
     Harness h(settings);
@@ -152,7 +155,7 @@ TEST(Resend, UnavailablePacketAnswerStopsFurtherRequests) {
     EXPECT_EQ(h.collector.Requests().size(), 1u);
 }
 
-TEST(Resend, FrequentModeAsksAtTheFirstGapBeforeTheTrailer) {
+TEST_P(Resend, FrequentModeAsksAtTheFirstGapBeforeTheTrailer) {
     ReceiverSettings settings = FastResend();
     settings.frequentResend = true;
     settings.resendTimeoutMs = 1000;  // only the gap itself may trigger the request
@@ -175,7 +178,7 @@ TEST(Resend, FrequentModeAsksAtTheFirstGapBeforeTheTrailer) {
     EXPECT_EQ(h.collector.Bytes(h.collector.Frames()[0]), block.payload);
 }
 
-TEST(Resend, NormalModeWaitsForTheTrailerOrANewerBlock) {
+TEST_P(Resend, NormalModeWaitsForTheTrailerOrANewerBlock) {
     ReceiverSettings settings = FastResend();
     settings.resendTimeoutMs = 300;  // the silence rule must not fire during the check
     Harness h(settings);
@@ -197,7 +200,7 @@ TEST(Resend, NormalModeWaitsForTheTrailerOrANewerBlock) {
     EXPECT_EQ(requests.back().last, block.TrailerId());
 }
 
-TEST(Resend, FrameWithoutTrailerClosesAtTheImageTimeout) {
+TEST_P(Resend, FrameWithoutTrailerClosesAtTheImageTimeout) {
     ReceiverSettings settings;
     settings.resendEnabled = false;
     settings.imageTimeoutMs = 150;
@@ -214,7 +217,7 @@ TEST(Resend, FrameWithoutTrailerClosesAtTheImageTimeout) {
     EXPECT_EQ(frame.missingPackets, 1u);
 }
 
-TEST(Resend, SilentBlockHasItsLostTailRequested) {
+TEST_P(Resend, SilentBlockHasItsLostTailRequested) {
     Harness h(FastResend());
     std::vector<Block> blocks{BuildBlock({.blockId = 11})};
     h.collector.ServeResendsFrom(h.device.get(), &blocks);
@@ -224,9 +227,10 @@ TEST(Resend, SilentBlockHasItsLostTailRequested) {
     EXPECT_EQ(h.collector.Bytes(h.collector.Frames()[0]), blocks[0].payload);
 }
 
-TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
+TEST_P(Resend, RequestsTellTheIdModeOfTheirBlock) {
     ReceiverSettings settings = FastResend();
     settings.resendTimeoutMs = 20;
+    settings.extendedIds = true;
     FrameCollector collector(4, 64 * 48);
     ReceiverCallbacks callbacks = collector.Callbacks();
     std::mutex mutex;
@@ -235,13 +239,16 @@ TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
         std::lock_guard lock(mutex);
         asked.emplace_back(blockId, extended);
     };
-    ReceiverEndpoint endpoint;
-    endpoint.deviceIp = endpoint.localIp = kDeviceIp;
+    const ReceiverEndpoint endpoint = LoopbackEndpoint();
     auto receiver = FrameReceiver::Create(endpoint, settings, callbacks, nullptr);
     ASSERT_NE(receiver, nullptr);
     ASSERT_TRUE(receiver->Start());
     UdpSender device(kDeviceIp, receiver->LocalPort());
     SendExcept(device, BuildBlock({.blockId = 7, .extendedIds = true}), {3});  // small id
+    ASSERT_TRUE(collector.WaitForFrames(1, kWaitMs));
+    settings.extendedIds = false;  // the device was switched back to 16-bit ids
+    receiver->SetSettings(settings);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     SendExcept(device, BuildBlock({.blockId = 7}), {3});
     ASSERT_TRUE(collector.WaitForFrames(2, kWaitMs));
     receiver->Stop(false, nullptr);
@@ -252,8 +259,10 @@ TEST(Resend, RequestsTellTheIdModeOfTheirBlock) {
     EXPECT_TRUE(collector.Requests().empty());  // the plain callback is not used as well
 }
 
-TEST(Resend, ExtendedIdRequestsCarryThe64BitBlockId) {
-    Harness h(FastResend());
+TEST_P(Resend, ExtendedIdRequestsCarryThe64BitBlockId) {
+    ReceiverSettings settings = FastResend();
+    settings.extendedIds = true;
+    Harness h(settings);
     const uint64_t bigId = 0xABCDEF012345ull;
     std::vector<Block> blocks{BuildBlock({.blockId = bigId, .extendedIds = true})};
     h.collector.ServeResendsFrom(h.device.get(), &blocks);
@@ -264,7 +273,7 @@ TEST(Resend, ExtendedIdRequestsCarryThe64BitBlockId) {
     EXPECT_EQ(h.collector.Requests()[0].blockId, bigId);
 }
 
-TEST(Resend, SettingsChangedWhileRunningTakeEffect) {
+TEST_P(Resend, SettingsChangedWhileRunningTakeEffect) {
     Harness h(FastResend());
     ReceiverSettings off = FastResend();
     off.resendEnabled = false;

@@ -24,6 +24,16 @@ struct ReceiverSettings {
     // Stream channel packet size (SCPS: the IP datagram of a full data packet). It tells the
     // engine where payload packets go before it has seen one; 0 learns it from the stream.
     uint32_t packetSize = 0;
+    // The device was told to send 64-bit block ids (GVSP configuration). Packets of the other
+    // id mode are not this stream's: they are dropped and counted as rejected.
+    bool extendedIds = false;
+};
+
+// How datagrams reach the engine.
+enum class ReceivePath : uint32_t {
+    Automatic = 0,   // the packet ring when the process may open one, else the socket
+    Socket = 1,      // recvmmsg on the stream's UDP socket
+    PacketRing = 2,  // a memory-mapped packet ring (needs CAP_NET_RAW); Create fails without
 };
 
 struct ReceiverEndpoint {
@@ -35,6 +45,8 @@ struct ReceiverEndpoint {
     // only taken while datagrams wait; 256 MiB rides out ~30 ms without the receiving thread
     // at 8 GB/s, which a busy two-core machine needs now and then.
     size_t socketBufferBytes = 256u << 20;
+    // Chosen once by Create; PathInUse() tells which one it took.
+    ReceivePath receivePath = ReceivePath::Automatic;
 };
 
 // A buffer lent to the engine. `data`/`size` are the caller's memory; `tag` is returned
@@ -80,7 +92,8 @@ struct ReceiverCounters {
     uint64_t resendRequests = 0;
     uint64_t bytesReceived = 0;
     uint64_t packetsDuplicated = 0;  // a packet id already placed in its block
-    uint64_t packetsRejected = 0;    // short, truncated, malformed or not fitting the block
+    uint64_t packetsRejected = 0;    // short, truncated, malformed, not fitting the block, of
+                                     // the other id mode, or of a block id out of sequence
     uint64_t packetsIgnored = 0;     // late blocks, unsupported formats, foreign senders
 };
 
@@ -110,6 +123,8 @@ class FrameReceiver {
     virtual ~FrameReceiver() = default;
 
     virtual uint16_t LocalPort() const = 0;
+    // Socket or PacketRing: the path Create chose.
+    virtual ReceivePath PathInUse() const = 0;
     virtual void SetSettings(const ReceiverSettings& settings) = 0;
     virtual ReceiverSettings Settings() const = 0;
 
