@@ -152,13 +152,14 @@ TEST_F(AcquisitionThreadsTest, APulledCableIsReportedOnceWithinTheHeartbeatBudge
 }
 
 // Loss injected on the stream port by the kernel's packet filter, inside this test's own
-// network namespace.
+// network namespace. The packets are dropped as the camera sends them, before any receive
+// path (the packet ring sees packets ahead of the input hook) could see them.
 class LossyLinkTest : public AcquisitionTest {
   protected:
     bool DropStreamPackets(unsigned int percent) {
         const std::string rule =
-            "nft add table inet rytest && nft add chain inet rytest input "
-            "'{ type filter hook input priority 0; }' && nft add rule inet rytest input "
+            "nft add table inet rytest && nft add chain inet rytest output "
+            "'{ type filter hook output priority 0; }' && nft add rule inet rytest output "
             "udp sport " +
             std::to_string(emulator_->stream_source_port()) + " numgen random mod 100 '<' " +
             std::to_string(percent) + " drop";
