@@ -269,13 +269,28 @@ TEST_F(AcquisitionTest, TheRegisterDrivenGenerationIsStartedAndStoppedByItsRegis
     EXPECT_EQ(frames_.Count(), before + 3);
 }
 
+TEST_F(AcquisitionTest, ThePacketSizeChosenAtOpenServesTheFirstFrames) {
+    StartCamera(FastCamera());
+    object_.pUserPointer = &frames_;
+    ASSERT_EQ(gige_->OpenCamera(0u, &camera_, 8, 0, 0, 8192, &object_, &FrameCollector::Callback,
+                                nullptr),
+              RESULT_SUCCESS);
+    ASSERT_EQ(camera_->Snap(3), RESULT_SUCCESS);
+    ASSERT_EQ(camera_->WaitGrabThread(5000), kThreadEnded);
+    ASSERT_EQ(frames_.Count(), 3u);
+    ExpectAllMatch(frames_.Frames());
+    uint64_t corrupted = 1;
+    EXPECT_EQ(camera_->GetNumCorruptedImage(corrupted), RESULT_SUCCESS);
+    EXPECT_EQ(corrupted, 0u);
+}
+
 TEST_F(AcquisitionTest, AMonitorsGrabLeavesTheCameraAlone) {
     StartCamera(FastCamera());
     ASSERT_EQ(gige_->SetCCPPrivilege(CCP_PRIVILEGE_MONITOR), RESULT_SUCCESS);
     object_.pUserPointer = &frames_;
-    ASSERT_EQ(gige_->OpenCamera(0u, &camera_, 4, 0, 0, 0, &object_, &FrameCollector::Callback,
-                                nullptr),
-              RESULT_SUCCESS);
+    ASSERT_EQ(
+        gige_->OpenCamera(0u, &camera_, 4, 0, 0, 0, &object_, &FrameCollector::Callback, nullptr),
+        RESULT_SUCCESS);
     RecordedLog log;
     ASSERT_EQ(camera_->Grab(), RESULT_SUCCESS);
     int grabbing = 0;

@@ -72,7 +72,7 @@ GC_ERROR StreamModule::GetInfo(STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void* b
         case STREAM_INFO_NUM_BYTES:
             return WriteInfoCounter(engine.bytesReceived, type, buffer, size);
         case STREAM_INFO_PACKET_SIZE:
-            return WriteInfoCounter(packetSize_, type, buffer, size);
+            return WriteInfoCounter(packetSize_.load(), type, buffer, size);
         default:
             return GC_ERR_INVALID_PARAMETER;
     }

@@ -162,19 +162,27 @@ void StreamModule::ApplyInterfaceSettings(const stream::ReceiverSettings& settin
     receiver_->SetSettings(next);
 }
 
-// The application switches the device to 64-bit block ids through its register (the
-// description's feature); the engine drops packets of the other mode, so it learns the mode
-// at each start. A device without the register sends 16-bit ids.
-void StreamModule::FollowIdMode() {
+// The application changes the stream through the device's own registers after the stream
+// was opened: 64-bit block ids (the engine drops packets of the other mode) and the packet
+// size (which tells the engine where payload packets go before it has seen one). Both are
+// read again at each start. A device without the id register sends 16-bit ids.
+void StreamModule::FollowDeviceSettings() {
+    stream::ReceiverSettings settings = receiver_->Settings();
     uint32_t config = 0;
-    const bool extended =
+    settings.extendedIds =
         device_->Control().ReadRegister(reg::kGvspConfiguration, config) == GC_ERR_SUCCESS &&
         (config & reg::kGvspConfigExtendedIds) != 0;
-    stream::ReceiverSettings settings = receiver_->Settings();
-    if (settings.extendedIds != extended) {
-        settings.extendedIds = extended;
-        receiver_->SetSettings(settings);
+    uint32_t scps = 0;
+    if (device_->Control().ReadRegister(
+            reg::stream_channel_register(reg::kStreamChannelPacketSize, channel_), scps) ==
+            GC_ERR_SUCCESS &&
+        (scps & kPacketSizeMask) != 0) {
+        packetSize_ = scps & kPacketSizeMask;
+        settings.packetSize = packetSize_;
     }
+    const stream::ReceiverSettings current = receiver_->Settings();
+    if (settings.extendedIds != current.extendedIds || settings.packetSize != current.packetSize)
+        receiver_->SetSettings(settings);
 }
 
 void StreamModule::StopReceiver(bool discardPartial) {
@@ -194,7 +202,7 @@ GC_ERROR StreamModule::StartAcquisition() {
         acquiring_ = true;
         grabbing_ = true;
     }
-    FollowIdMode();
+    FollowDeviceSettings();
     if (!receiver_->Start()) {
         std::lock_guard lock(mutex_);
         acquiring_ = false;

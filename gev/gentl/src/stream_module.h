@@ -44,7 +44,7 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     const std::shared_ptr<EventChannel>& NewBufferEvents() const { return newBuffers_; }
     void ApplyInterfaceSettings(const stream::ReceiverSettings& settings);
     uint16_t LocalPort() const;
-    uint32_t PacketSize() const { return packetSize_; }
+    uint32_t PacketSize() const { return packetSize_.load(); }
 
   private:
     enum class BufferState { Idle, Queued, Lent, Output };
@@ -65,7 +65,7 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     void EnqueueLocked(Buffer* buffer, bool atFront = false);
     GC_ERROR ConfigureChannel(uint16_t port);
     uint32_t NegotiatePacketSize();
-    void FollowIdMode();
+    void FollowDeviceSettings();
     GC_ERROR BufferInfoLocked(const Buffer& buffer, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type,
                               void* out, size_t* size);
     void StopReceiver(bool discardPartial);
@@ -75,7 +75,7 @@ class StreamModule : public std::enable_shared_from_this<StreamModule> {
     std::shared_ptr<EventChannel> newBuffers_ = std::make_shared<EventChannel>();
     std::unique_ptr<stream::FrameReceiver> receiver_;
     client::UdpSocket multicastMembership_;
-    uint32_t packetSize_ = 0;
+    std::atomic<uint32_t> packetSize_{0};  // read by DSGetInfo on any thread
 
     mutable std::mutex mutex_;
     std::vector<std::unique_ptr<Buffer>> buffers_;
