@@ -101,11 +101,13 @@ class RYSDK_API RyImageProcess {
     ///@}
 
     // ---- RGB to BGR8 -------------------------------------------------------------------
-    /// Whole pixels only: bytes / 3, bytes / 6 and bytes / 4 pixels respectively.
+    /// Three bytes R, G, B a pixel; whole pixels only (bytes / 3).
     static void ConvertRGB8toBGR8(const uint8_t* src, uint32_t bytes, uint8_t* dst);
     /// Three little-endian 16-bit samples R, G, B holding 12 bits; (sample >> 4) & 0xFF each.
+    /// Whole pixels only (bytes / 6).
     static void ConvertRGB12PackedtoBGR8(const uint8_t* src, uint32_t bytes, uint8_t* dst);
     /// One little-endian 32-bit word a pixel: bits 9-2 to red, 19-12 to green, 29-22 to blue.
+    /// Whole pixels only (bytes / 4).
     static void ConvertBGR10V2PackedtoBGR8(const uint8_t* src, uint32_t bytes, uint8_t* dst);
 
     // ---- Mono ----------------------------------------------------------------------------
