@@ -1,10 +1,12 @@
-/* The pixel format codes, name and value, as one list that both the C++ enumeration
+/** \file
+ * The pixel format codes, name and value, as one list that both the C++ enumeration
  * RYSDK::PIXEL_FORMAT and the C header's constants are made from. The maker-specific codes
  * (bit 31 set) are a list of their own: C99 enumerators stop at INT_MAX. */
 #ifndef RYSDK_PIXEL_FORMAT_CODES_H
 #define RYSDK_PIXEL_FORMAT_CODES_H
 
 /* clang-format off */
+/** Calls X(name, code) once for every standard pixel format code. */
 #define RY_PIXEL_FORMAT_CODES(X)                 \
     X(PIXEL_FORMAT_MONO8, 0x01080001)            \
     X(PIXEL_FORMAT_MONO8SIGNED, 0x01080002)      \
@@ -49,6 +51,7 @@
     X(PIXEL_FORMAT_PALINTERLACED, 0x02100001)    \
     X(PIXEL_FORMAT_NTSCINTERLACED, 0x02100002)
 
+/** Calls X(name, code) once for every maker-specific code (bit 31 set). */
 #define RY_PIXEL_FORMAT_MAKER_CODES(X)         \
     X(PIXEL_FORMAT_YUV42210PACKED, 0x80180001) \
     X(PIXEL_FORMAT_YUV42212PACKED, 0x80180002) \

@@ -1,10 +1,12 @@
-/* The result codes, name and number, as one list that both the C++ enumeration
+/** \file
+ * The result codes, name and number, as one list that both the C++ enumeration
  * RYSDK::RESULT and the C header's RESULT are made from, so that the two cannot differ.
  * Numbers never change; each is also the index of the result's text. */
 #ifndef RYSDK_RESULT_CODES_H
 #define RYSDK_RESULT_CODES_H
 
 /* clang-format off */
+/** Calls X(name, number) once for every result, in the order of their numbers. */
 #define RY_RESULT_CODES(X)                                     \
     X(RESULT_SUCCESS, 0)                                       \
     X(RESULT_ERROR, 1)                                         \

@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Installs the built tree into a scratch prefix and builds a small application against it
 # twice: once through find_package(RyGigE), once through pkg-config. Both must run. Then the
-# C example is built the same two ways, as strict C99, and grabs from an emulated camera in
-# a private network namespace.
+# C example (as strict C99) and the C++ example are built the same two ways and grab from an
+# emulated camera in a private network namespace.
 set -euo pipefail
 build_dir=$1
 consumer_dir=$2
 example_dir=$3
 emulator=$4
+cpp_example_dir=$5
 here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -32,7 +33,14 @@ cmake -S "$example_dir" -B "$scratch/c-build" -G Ninja -DCMAKE_PREFIX_PATH="$scr
 cmake --build "$scratch/c-build"
 # shellcheck disable=SC2086
 cc -std=c99 -Wall -Wextra -pedantic -Werror "$example_dir/grab.c" -o "$scratch/pc-grab" $flags -lpthread
-for program in "$scratch/c-build/grab" "$scratch/pc-grab"; do
+cmake -S "$cpp_example_dir" -B "$scratch/cpp-build" -G Ninja \
+      -DCMAKE_PREFIX_PATH="$scratch/prefix" >/dev/null
+cmake --build "$scratch/cpp-build"
+# shellcheck disable=SC2086
+c++ -std=c++20 -Wall -Wextra -pedantic -Werror "$cpp_example_dir/grab.cpp" \
+    -o "$scratch/pc-grab-cpp" $flags
+for program in "$scratch/c-build/grab" "$scratch/pc-grab" "$scratch/cpp-build/grab" \
+               "$scratch/pc-grab-cpp"; do
     LD_LIBRARY_PATH="$libdir" bash "$here/../../scripts/in-private-net.sh" \
         bash "$here/run_c_example.sh" "$emulator" "$program" 20
 done
