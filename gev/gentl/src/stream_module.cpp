@@ -156,16 +156,20 @@ uint32_t StreamModule::NegotiatePacketSize() {
 void StreamModule::ApplyInterfaceSettings(const stream::ReceiverSettings& settings) {
     if (!receiver_)
         return;
+    // What the stream learned from the device stays; the interface's settings come on top.
+    const stream::ReceiverSettings learned = receiver_->Settings();
     stream::ReceiverSettings next = settings;
-    next.packetSize = receiver_->Settings().packetSize;
-    next.extendedIds = receiver_->Settings().extendedIds;
+    next.packetSize = learned.packetSize;
+    next.extendedIds = learned.extendedIds;
+    next.deviceSourcePort = learned.deviceSourcePort;
     receiver_->SetSettings(next);
 }
 
 // The application changes the stream through the device's own registers after the stream
 // was opened: 64-bit block ids (the engine drops packets of the other mode) and the packet
 // size (which tells the engine where payload packets go before it has seen one). Both are
-// read again at each start. A device without the id register sends 16-bit ids.
+// read again at each start, with the port the device streams from when it says (SCSP, valid
+// once the channel is open). A device without the id register sends 16-bit ids.
 void StreamModule::FollowDeviceSettings() {
     stream::ReceiverSettings settings = receiver_->Settings();
     uint32_t config = 0;
@@ -180,8 +184,17 @@ void StreamModule::FollowDeviceSettings() {
         packetSize_ = scps & kPacketSizeMask;
         settings.packetSize = packetSize_;
     }
+    uint32_t capability = 0;
+    uint32_t scsp = 0;
+    if (device_->Control().ReadRegister(reg::kGvspCapability, capability) == GC_ERR_SUCCESS &&
+        (capability & reg::kGvspCapSourcePort) != 0 &&
+        device_->Control().ReadRegister(
+            reg::stream_channel_register(reg::kStreamChannelSourcePort, channel_), scsp) ==
+            GC_ERR_SUCCESS)
+        settings.deviceSourcePort = static_cast<uint16_t>(scsp & kPacketSizeMask);
     const stream::ReceiverSettings current = receiver_->Settings();
-    if (settings.extendedIds != current.extendedIds || settings.packetSize != current.packetSize)
+    if (settings.extendedIds != current.extendedIds || settings.packetSize != current.packetSize ||
+        settings.deviceSourcePort != current.deviceSourcePort)
         receiver_->SetSettings(settings);
 }
 

@@ -87,6 +87,12 @@ class FrameReceiverImpl final : public FrameReceiver {
     void SocketLoop();
     void RingLoop();
     void ReloadSettingsIfChanged(uint64_t& seenGeneration);
+    // Packets from any other address, or from another port of the device's address once the
+    // device has said which port it streams from, are not this stream's.
+    bool FromDevice(uint32_t sourceIp, uint16_t sourcePort) const {
+        return (endpoint_.deviceIp == 0 || sourceIp == endpoint_.deviceIp) &&
+               (devicePort_ == 0 || sourcePort == devicePort_);
+    }
     bool WaitForPackets(int timeoutMs);
     void HandleBatch();
     size_t BatchSizeWanted();
@@ -96,6 +102,7 @@ class FrameReceiverImpl final : public FrameReceiver {
     const ReceiverEndpoint endpoint_;
     mutable std::mutex settingsMutex_;
     ReceiverSettings settings_;
+    uint16_t devicePort_ = 0;  // the receiving thread's copy of settings_.deviceSourcePort
     std::atomic<uint64_t> settingsGeneration_{1};
     const ReceiverCallbacks callbacks_;
     detail::DatagramSocket socket_;
@@ -211,7 +218,9 @@ void FrameReceiverImpl::ReloadSettingsIfChanged(uint64_t& seenGeneration) {
     const uint64_t generation = settingsGeneration_.load(std::memory_order_acquire);
     if (generation != seenGeneration) {
         seenGeneration = generation;
-        assembler_.Configure(Settings());
+        const ReceiverSettings settings = Settings();
+        devicePort_ = settings.deviceSourcePort;
+        assembler_.Configure(settings);
     }
 }
 
@@ -224,10 +233,9 @@ bool FrameReceiverImpl::WaitForPackets(int timeoutMs) {
 
 void FrameReceiverImpl::HandleBatch() {
     const auto now = Clock::now();
-    const uint32_t deviceIp = endpoint_.deviceIp;
     for (size_t k = 0; k < batch_.PacketCount(); ++k) {
         const detail::ReceivedPacket& packet = batch_.Packet(k);
-        if (deviceIp != 0 && batch_.SourceIp(packet.message) != deviceIp) {
+        if (!FromDevice(batch_.SourceIp(packet.message), batch_.SourcePort(packet.message))) {
             assembler_.OnForeignDatagram();
         } else if (batch_.Truncated(packet.message)) {
             assembler_.OnTruncatedDatagram();
@@ -302,11 +310,10 @@ void FrameReceiverImpl::SocketLoop() {
 
 size_t FrameReceiverImpl::HandleRing(size_t max) {
     const auto now = Clock::now();
-    const uint32_t deviceIp = endpoint_.deviceIp;
     detail::RingDatagram datagram;
     size_t handled = 0;
     for (; handled < max && ring_.Peek(datagram); ++handled) {
-        if (deviceIp != 0 && datagram.sourceIp != deviceIp) {
+        if (!FromDevice(datagram.sourceIp, datagram.sourcePort)) {
             assembler_.OnForeignDatagram();
         } else if (datagram.truncated) {
             assembler_.OnTruncatedDatagram();

@@ -212,6 +212,7 @@ bool PacketRing::Peek(RingDatagram& out) {
         return true;
     }
     out.sourceIp = ry::gev::load_be32(ip + 12);
+    out.sourcePort = ry::gev::load_be16(ip + ipHeader);
     const size_t udpBytes = ry::gev::load_be16(ip + ipHeader + 4);
     out.bytes = ip + ipHeader + kUdpHeaderBytes;
     const size_t available = captured - ipHeader;

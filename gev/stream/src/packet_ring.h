@@ -27,7 +27,8 @@ namespace ry::gev::stream::detail {
 struct RingDatagram {
     const uint8_t* bytes = nullptr;
     size_t size = 0;
-    uint32_t sourceIp = 0;   // host byte order
+    uint32_t sourceIp = 0;  // host byte order
+    uint16_t sourcePort = 0;
     bool truncated = false;  // longer than a ring slot: its tail is lost
 };
 

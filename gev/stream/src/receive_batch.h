@@ -66,6 +66,7 @@ class ReceiveBatch {
         return (headers_[message].msg_hdr.msg_flags & MSG_TRUNC) != 0;
     }
     uint32_t SourceIp(uint32_t message) const { return ntohl(sources_[message].sin_addr.s_addr); }
+    uint16_t SourcePort(uint32_t message) const { return ntohs(sources_[message].sin_port); }
 
   private:
     struct Aim {

@@ -27,6 +27,9 @@ struct ReceiverSettings {
     // The device was told to send 64-bit block ids (GVSP configuration). Packets of the other
     // id mode are not this stream's: they are dropped and counted as rejected.
     bool extendedIds = false;
+    // The port the device streams from (SCSP), when it says: packets from its address but
+    // another port are not this stream's. 0 accepts every port of the device's address.
+    uint16_t deviceSourcePort = 0;
 };
 
 // How datagrams reach the engine.
