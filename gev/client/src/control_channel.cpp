@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstring>
 
+#include "ry/gev/client/device_answers.h"
 #include "ry/gev/protocol/gvcp.h"
 #include "ry/gev/protocol/gvcp_payloads.h"
 
@@ -111,24 +112,21 @@ GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> 
                 break;
             if (got->sourceIp != deviceIp_)
                 continue;
-            const ConstBytes datagram(buffer.data(), got->size);
-            const auto header = decode_ack_header(datagram);
-            if (!header || header->ack_id != requestId)
-                continue;
-            const auto payload = ack_payload(datagram, *header);
-            if (!payload)
-                continue;
-            if (header->acknowledge == static_cast<uint16_t>(GvcpAck::Pending)) {
-                const auto wait = decode_pending_ack(*payload);
-                deadline = Clock::now() + std::chrono::milliseconds(wait.value_or(0)) + perAttempt;
-                continue;
+            const AckVerdict verdict =
+                JudgeAck(ConstBytes(buffer.data(), got->size), requestId, expectedAck);
+            switch (verdict.kind) {
+                case AckVerdict::Kind::Ignore:
+                    continue;
+                case AckVerdict::Kind::Pending:
+                    deadline =
+                        Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + perAttempt;
+                    continue;
+                case AckVerdict::Kind::Error:
+                    return verdict.error;
+                case AckVerdict::Kind::Answer:
+                    answer.assign(verdict.payload.begin(), verdict.payload.end());
+                    return GC_ERR_SUCCESS;
             }
-            if (header->acknowledge != expectedAck)
-                continue;
-            if (is_error(header->status))
-                return StatusToError(header->status);
-            answer.assign(payload->begin(), payload->end());
-            return GC_ERR_SUCCESS;
         }
     }
     return GC_ERR_TIMEOUT;
@@ -152,11 +150,7 @@ GC_ERROR ControlChannel::ReadRegisters(std::span<const uint32_t> addresses,
                                          budget_, answer);
             if (rc != GC_ERR_SUCCESS)
                 return rc;
-            const auto read = decode_readreg_ack(answer);
-            if (!read || read->size() < count)
-                return GC_ERR_IO;
-            std::copy_n(read->begin(), count, values.begin() + done);
-            return GC_ERR_SUCCESS;
+            return TakeRegisterValues(answer, values.subspan(done, count));
         });
 }
 
@@ -174,11 +168,7 @@ GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value, Request
         Exchange(GvcpCommand::ReadReg, *make_readreg_command(id, {address}), id, budget, answer);
     if (rc != GC_ERR_SUCCESS)
         return rc;
-    const auto read = decode_readreg_ack(answer);
-    if (!read || read->empty())
-        return GC_ERR_IO;
-    value = read->front();
-    return GC_ERR_SUCCESS;
+    return TakeRegisterValues(answer, std::span<uint32_t>(&value, 1));
 }
 
 GC_ERROR ControlChannel::WriteRegisters(std::span<const RegisterPair> writes) {
@@ -224,11 +214,7 @@ GC_ERROR ControlChannel::ReadAligned(uint32_t address, std::span<uint8_t> data) 
                      budget_, answer);
         if (rc != GC_ERR_SUCCESS)
             return rc;
-        const auto block = decode_readmem_ack(answer);
-        if (!block || block->address != at || block->data.size() < count)
-            return GC_ERR_IO;
-        std::memcpy(data.data() + done, block->data.data(), count);
-        return GC_ERR_SUCCESS;
+        return TakeMemoryData(answer, at, data.subspan(done, count));
     });
 }
 
