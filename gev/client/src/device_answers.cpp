@@ -1,7 +1,6 @@
 #include "ry/gev/client/device_answers.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "ry/gev/client/control_channel.h"
 
@@ -57,7 +56,7 @@ GC_ERROR TakeMemoryData(ConstBytes payload, uint32_t address, std::span<uint8_t>
     const auto block = decode_readmem_ack(payload);
     if (!block || block->address != address || block->data.size() < data.size())
         return GC_ERR_IO;
-    std::memcpy(data.data(), block->data.data(), data.size());
+    std::copy_n(block->data.begin(), data.size(), data.begin());
     return GC_ERR_SUCCESS;
 }
 
