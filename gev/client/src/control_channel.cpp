@@ -98,18 +98,30 @@ GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> 
     const uint16_t expectedAck = ack_code_for(static_cast<uint16_t>(command));
     std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
     socket_.Drain();
+    // PENDING_ACK moves the deadline, but a device that keeps asking for more time gets no
+    // more than the budget's pending allowance in all.
+    const auto latest = unlimited ? Clock::time_point::max()
+                                  : Clock::now() + std::chrono::milliseconds(budget.timeoutMs) +
+                                        std::chrono::milliseconds(budget.pendingLimitMs);
     for (uint32_t attempt = 0; unlimited || attempt < budget.attempts; ++attempt) {
         if (unlimited && unlimitedAborted_.load())
             return GC_ERR_ABORT;
+        if (Clock::now() >= latest)
+            break;
         if (!socket_.SendTo(deviceIp_, devicePort_, request))
             return GC_ERR_IO;
-        auto deadline = Clock::now() + perAttempt;
+        auto deadline = std::min(Clock::now() + perAttempt, latest);
         while (Clock::now() < deadline) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
+            if (unlimited && unlimitedAborted_.load())
+                return GC_ERR_ABORT;
+            // At most one resend period per wait, so an abort is seen while a pending
+            // operation runs.
+            const auto left = std::min(
+                std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()),
+                std::chrono::duration_cast<std::chrono::microseconds>(perAttempt));
             const auto got = socket_.Receive(buffer, left);
             if (!got)
-                break;
+                continue;
             if (got->sourceIp != deviceIp_)
                 continue;
             const AckVerdict verdict =
@@ -118,8 +130,9 @@ GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> 
                 case AckVerdict::Kind::Ignore:
                     continue;
                 case AckVerdict::Kind::Pending:
-                    deadline =
-                        Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + perAttempt;
+                    deadline = std::min(
+                        Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + perAttempt,
+                        latest);
                     continue;
                 case AckVerdict::Kind::Error:
                     return verdict.error;

@@ -19,10 +19,12 @@ namespace ry::gev::client {
 
 // How long one request may take in total, and how many times it is sent within that time.
 // A time-out of 0 sets no limit: the request is sent again every kUnlimitedResendMs until it
-// is answered or AbortWaits() is called.
+// is answered or AbortWaits() is called. PENDING_ACKs may stretch a limited request by at
+// most pendingLimitMs in all, however many the device sends.
 struct RequestBudget {
     uint32_t timeoutMs = 500;
     uint32_t attempts = 3;
+    uint32_t pendingLimitMs = 10000;
 };
 
 struct RegisterPair {
