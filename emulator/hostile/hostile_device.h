@@ -26,6 +26,11 @@ enum class Answer {
     Silent,          // nothing at all
 };
 
+// Every way of answering that leaves nothing usable: a reader must drop these.
+inline constexpr Answer kUnusableAnswers[] = {Answer::Truncated,      Answer::Oversized,
+                                              Answer::Mislabelled,    Answer::Late,
+                                              Answer::PendingForever, Answer::Silent};
+
 struct HostileConfig {
     std::string address = "127.0.0.2";
     bool answer_broadcasts = true;  // also listen on 255.255.255.255:3956 for discovery
