@@ -12,7 +12,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t kPayloadBytes = 1400;
 constexpr std::uint64_t kBlockIdsSprayed = 64;  // a stream that just started uses these
-constexpr int kBurst = 32;
+constexpr int kBurst = 16;
 constexpr auto kBurstPause = std::chrono::milliseconds(2);
 
 Bytes packet(const gev::GvspHeader& header, std::size_t data_size, std::uint8_t fill) {
