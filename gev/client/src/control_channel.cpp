@@ -87,59 +87,65 @@ uint16_t ControlChannel::NextRequestId() {
 }
 
 // Caller holds mutex_. The same datagram (same request id) is sent again after each
-// per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend.
+// per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend, but a
+// device that keeps asking for more time gets no more than the budget's pending allowance.
 GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> request,
                                   uint16_t requestId, RequestBudget budget, Payload& answer) {
-    const bool unlimited = budget.timeoutMs == 0;
-    const auto perAttempt = std::chrono::milliseconds(
-        unlimited
+    Wait wait;
+    wait.unlimited = budget.timeoutMs == 0;
+    wait.perAttempt = std::chrono::milliseconds(
+        wait.unlimited
             ? kUnlimitedResendMs
             : std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
-    const uint16_t expectedAck = ack_code_for(static_cast<uint16_t>(command));
-    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    wait.latest = wait.unlimited ? Clock::time_point::max()
+                                 : Clock::now() + std::chrono::milliseconds(budget.timeoutMs) +
+                                       std::chrono::milliseconds(budget.pendingLimitMs);
+    wait.requestId = requestId;
+    wait.expectedAck = ack_code_for(static_cast<uint16_t>(command));
     socket_.Drain();
-    // PENDING_ACK moves the deadline, but a device that keeps asking for more time gets no
-    // more than the budget's pending allowance in all.
-    const auto latest = unlimited ? Clock::time_point::max()
-                                  : Clock::now() + std::chrono::milliseconds(budget.timeoutMs) +
-                                        std::chrono::milliseconds(budget.pendingLimitMs);
-    for (uint32_t attempt = 0; unlimited || attempt < budget.attempts; ++attempt) {
-        if (unlimited && unlimitedAborted_.load())
+    for (uint32_t attempt = 0; wait.unlimited || attempt < budget.attempts; ++attempt) {
+        if (wait.unlimited && unlimitedAborted_.load())
             return GC_ERR_ABORT;
-        if (Clock::now() >= latest)
+        if (Clock::now() >= wait.latest)
             break;
         if (!socket_.SendTo(deviceIp_, devicePort_, request))
             return GC_ERR_IO;
-        auto deadline = std::min(Clock::now() + perAttempt, latest);
-        while (Clock::now() < deadline) {
-            if (unlimited && unlimitedAborted_.load())
-                return GC_ERR_ABORT;
-            // At most one resend period per wait, so an abort is seen while a pending
-            // operation runs.
-            const auto left = std::min(
-                std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()),
-                std::chrono::duration_cast<std::chrono::microseconds>(perAttempt));
-            const auto got = socket_.Receive(buffer, left);
-            if (!got)
+        if (const GC_ERROR rc = AwaitAck(wait, answer); rc != GC_ERR_TIMEOUT)
+            return rc;
+    }
+    return GC_ERR_TIMEOUT;
+}
+
+// One attempt's wait: GC_ERR_TIMEOUT when it ends without an answer.
+GC_ERROR ControlChannel::AwaitAck(const Wait& wait, Payload& answer) {
+    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    auto deadline = std::min(Clock::now() + wait.perAttempt, wait.latest);
+    while (Clock::now() < deadline) {
+        if (wait.unlimited && unlimitedAborted_.load())
+            return GC_ERR_ABORT;
+        // At most one resend period per wait, so an abort is seen while a pending operation
+        // runs.
+        const auto left =
+            std::min(std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()),
+                     std::chrono::duration_cast<std::chrono::microseconds>(wait.perAttempt));
+        const auto got = socket_.Receive(buffer, left);
+        if (!got || got->sourceIp != deviceIp_)
+            continue;
+        const AckVerdict verdict =
+            JudgeAck(ConstBytes(buffer.data(), got->size), wait.requestId, wait.expectedAck);
+        switch (verdict.kind) {
+            case AckVerdict::Kind::Ignore:
                 continue;
-            if (got->sourceIp != deviceIp_)
+            case AckVerdict::Kind::Pending:
+                deadline = std::min(
+                    Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + wait.perAttempt,
+                    wait.latest);
                 continue;
-            const AckVerdict verdict =
-                JudgeAck(ConstBytes(buffer.data(), got->size), requestId, expectedAck);
-            switch (verdict.kind) {
-                case AckVerdict::Kind::Ignore:
-                    continue;
-                case AckVerdict::Kind::Pending:
-                    deadline = std::min(
-                        Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + perAttempt,
-                        latest);
-                    continue;
-                case AckVerdict::Kind::Error:
-                    return verdict.error;
-                case AckVerdict::Kind::Answer:
-                    answer.assign(verdict.payload.begin(), verdict.payload.end());
-                    return GC_ERR_SUCCESS;
-            }
+            case AckVerdict::Kind::Error:
+                return verdict.error;
+            case AckVerdict::Kind::Answer:
+                answer.assign(verdict.payload.begin(), verdict.payload.end());
+                return GC_ERR_SUCCESS;
         }
     }
     return GC_ERR_TIMEOUT;

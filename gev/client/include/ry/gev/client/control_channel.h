@@ -4,6 +4,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -76,8 +77,17 @@ class ControlChannel {
         bool exact = false;  // the caller's range is whole words already
     };
     static std::optional<WordRange> CoverWords(uint64_t address, size_t size);
+    // How one request waits for its acknowledge.
+    struct Wait {
+        bool unlimited = false;
+        std::chrono::milliseconds perAttempt{0};
+        std::chrono::steady_clock::time_point latest;  // no PENDING_ACK moves a wait past it
+        uint16_t requestId = 0;
+        uint16_t expectedAck = 0;
+    };
     GC_ERROR Exchange(GvcpCommand command, std::span<const uint8_t> request, uint16_t requestId,
                       RequestBudget budget, Payload& answer);
+    GC_ERROR AwaitAck(const Wait& wait, Payload& answer);
     uint16_t NextRequestId();
     GC_ERROR ReadAligned(uint32_t address, std::span<uint8_t> data);
     GC_ERROR WriteAligned(uint32_t address, std::span<const uint8_t> data);
