@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release tree and runs the whole test suite inside a
 # private network namespace, runs the acquisition tests again under the thread sanitizer,
-# then gives the fuzz targets (clang's libFuzzer) a short run of their own. Extra arguments
-# go to the main suite's ctest.
+# then gives the fuzz targets (clang's libFuzzer: the node map's parsers, those of what
+# networks and devices send, and the stream's reassembly) a short run of their own. Extra
+# arguments go to the main suite's ctest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh

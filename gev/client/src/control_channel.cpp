@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstring>
 
+#include "ry/gev/client/device_answers.h"
 #include "ry/gev/protocol/gvcp.h"
 #include "ry/gev/protocol/gvcp_payloads.h"
 
@@ -86,49 +87,65 @@ uint16_t ControlChannel::NextRequestId() {
 }
 
 // Caller holds mutex_. The same datagram (same request id) is sent again after each
-// per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend.
+// per-attempt wait; a PENDING_ACK moves the deadline instead of causing a resend, but a
+// device that keeps asking for more time gets no more than the budget's pending allowance.
 GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> request,
                                   uint16_t requestId, RequestBudget budget, Payload& answer) {
-    const bool unlimited = budget.timeoutMs == 0;
-    const auto perAttempt = std::chrono::milliseconds(
-        unlimited
+    Wait wait;
+    wait.unlimited = budget.timeoutMs == 0;
+    wait.perAttempt = std::chrono::milliseconds(
+        wait.unlimited
             ? kUnlimitedResendMs
             : std::max<uint32_t>(budget.timeoutMs / std::max<uint32_t>(budget.attempts, 1), 1));
-    const uint16_t expectedAck = ack_code_for(static_cast<uint16_t>(command));
-    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    wait.latest = wait.unlimited ? Clock::time_point::max()
+                                 : Clock::now() + std::chrono::milliseconds(budget.timeoutMs) +
+                                       std::chrono::milliseconds(budget.pendingLimitMs);
+    wait.requestId = requestId;
+    wait.expectedAck = ack_code_for(static_cast<uint16_t>(command));
     socket_.Drain();
-    for (uint32_t attempt = 0; unlimited || attempt < budget.attempts; ++attempt) {
-        if (unlimited && unlimitedAborted_.load())
+    for (uint32_t attempt = 0; wait.unlimited || attempt < budget.attempts; ++attempt) {
+        if (wait.unlimited && unlimitedAborted_.load())
             return GC_ERR_ABORT;
+        if (Clock::now() >= wait.latest)
+            break;
         if (!socket_.SendTo(deviceIp_, devicePort_, request))
             return GC_ERR_IO;
-        auto deadline = Clock::now() + perAttempt;
-        while (Clock::now() < deadline) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
-            const auto got = socket_.Receive(buffer, left);
-            if (!got)
-                break;
-            if (got->sourceIp != deviceIp_)
+        if (const GC_ERROR rc = AwaitAck(wait, answer); rc != GC_ERR_TIMEOUT)
+            return rc;
+    }
+    return GC_ERR_TIMEOUT;
+}
+
+// One attempt's wait: GC_ERR_TIMEOUT when it ends without an answer.
+GC_ERROR ControlChannel::AwaitAck(const Wait& wait, Payload& answer) {
+    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    auto deadline = std::min(Clock::now() + wait.perAttempt, wait.latest);
+    while (Clock::now() < deadline) {
+        if (wait.unlimited && unlimitedAborted_.load())
+            return GC_ERR_ABORT;
+        // At most one resend period per wait, so an abort is seen while a pending operation
+        // runs.
+        const auto left =
+            std::min(std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()),
+                     std::chrono::duration_cast<std::chrono::microseconds>(wait.perAttempt));
+        const auto got = socket_.Receive(buffer, left);
+        if (!got || got->sourceIp != deviceIp_)
+            continue;
+        const AckVerdict verdict =
+            JudgeAck(ConstBytes(buffer.data(), got->size), wait.requestId, wait.expectedAck);
+        switch (verdict.kind) {
+            case AckVerdict::Kind::Ignore:
                 continue;
-            const ConstBytes datagram(buffer.data(), got->size);
-            const auto header = decode_ack_header(datagram);
-            if (!header || header->ack_id != requestId)
+            case AckVerdict::Kind::Pending:
+                deadline = std::min(
+                    Clock::now() + std::chrono::milliseconds(verdict.pendingMs) + wait.perAttempt,
+                    wait.latest);
                 continue;
-            const auto payload = ack_payload(datagram, *header);
-            if (!payload)
-                continue;
-            if (header->acknowledge == static_cast<uint16_t>(GvcpAck::Pending)) {
-                const auto wait = decode_pending_ack(*payload);
-                deadline = Clock::now() + std::chrono::milliseconds(wait.value_or(0)) + perAttempt;
-                continue;
-            }
-            if (header->acknowledge != expectedAck)
-                continue;
-            if (is_error(header->status))
-                return StatusToError(header->status);
-            answer.assign(payload->begin(), payload->end());
-            return GC_ERR_SUCCESS;
+            case AckVerdict::Kind::Error:
+                return verdict.error;
+            case AckVerdict::Kind::Answer:
+                answer.assign(verdict.payload.begin(), verdict.payload.end());
+                return GC_ERR_SUCCESS;
         }
     }
     return GC_ERR_TIMEOUT;
@@ -152,11 +169,7 @@ GC_ERROR ControlChannel::ReadRegisters(std::span<const uint32_t> addresses,
                                          budget_, answer);
             if (rc != GC_ERR_SUCCESS)
                 return rc;
-            const auto read = decode_readreg_ack(answer);
-            if (!read || read->size() < count)
-                return GC_ERR_IO;
-            std::copy_n(read->begin(), count, values.begin() + done);
-            return GC_ERR_SUCCESS;
+            return TakeRegisterValues(answer, values.subspan(done, count));
         });
 }
 
@@ -174,11 +187,7 @@ GC_ERROR ControlChannel::ReadRegister(uint32_t address, uint32_t& value, Request
         Exchange(GvcpCommand::ReadReg, *make_readreg_command(id, {address}), id, budget, answer);
     if (rc != GC_ERR_SUCCESS)
         return rc;
-    const auto read = decode_readreg_ack(answer);
-    if (!read || read->empty())
-        return GC_ERR_IO;
-    value = read->front();
-    return GC_ERR_SUCCESS;
+    return TakeRegisterValues(answer, std::span<uint32_t>(&value, 1));
 }
 
 GC_ERROR ControlChannel::WriteRegisters(std::span<const RegisterPair> writes) {
@@ -224,11 +233,7 @@ GC_ERROR ControlChannel::ReadAligned(uint32_t address, std::span<uint8_t> data) 
                      budget_, answer);
         if (rc != GC_ERR_SUCCESS)
             return rc;
-        const auto block = decode_readmem_ack(answer);
-        if (!block || block->address != at || block->data.size() < count)
-            return GC_ERR_IO;
-        std::memcpy(data.data() + done, block->data.data(), count);
-        return GC_ERR_SUCCESS;
+        return TakeMemoryData(answer, at, data.subspan(done, count));
     });
 }
 

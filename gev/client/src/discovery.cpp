@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "ry/gev/client/control_channel.h"
+#include "ry/gev/client/device_answers.h"
 #include "ry/gev/client/udp_socket.h"
 #include "ry/gev/protocol/gvcp.h"
 #include "ry/gev/protocol/gvcp_payloads.h"
@@ -12,23 +12,6 @@ namespace ry::gev::client {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr uint16_t kDiscoveryRequestId = 0xFFFF;
-
-DiscoveredDevice FromDeviceInfo(const DeviceInfo& info) {
-    DiscoveredDevice device;
-    device.mac = info.mac;
-    device.ip = info.ip;
-    device.mask = info.subnet_mask;
-    device.gateway = info.gateway;
-    device.deviceMode = info.device_mode;
-    device.vendor = info.manufacturer;
-    device.model = info.model;
-    device.version = info.device_version;
-    device.vendorInfo = info.manufacturer_info;
-    device.serial = info.serial_number;
-    device.userName = info.user_defined_name;
-    return device;
-}
 
 std::chrono::microseconds Left(Clock::time_point deadline) {
     return std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
@@ -59,16 +42,10 @@ GC_ERROR Discover(const HostInterface& host, const DiscoveryOptions& options,
         const auto got = socket.Receive(buffer, Left(deadline));
         if (!got)
             break;
-        const ConstBytes datagram(buffer.data(), got->size);
-        const auto header = decode_ack_header(datagram);
-        if (!header || header->ack_id != kDiscoveryRequestId || header->status != 0 ||
-            header->acknowledge != static_cast<uint16_t>(GvcpAck::Discovery))
+        auto parsed = ParseDiscoveryAck(ConstBytes(buffer.data(), got->size));
+        if (!parsed)
             continue;
-        const auto payload = ack_payload(datagram, *header);
-        const auto info = payload ? decode_device_info(*payload) : std::nullopt;
-        if (!info)
-            continue;
-        DiscoveredDevice device = FromDeviceInfo(*info);
+        DiscoveredDevice device = std::move(*parsed);
         if (!options.listOutsideSubnet && !host.Contains(device.ip))
             continue;
         const bool known = std::any_of(found.begin(), found.end(), [&](const auto& other) {
@@ -96,11 +73,8 @@ GC_ERROR ForceIp(const HostInterface& host, const std::array<uint8_t, 6>& mac, u
         const auto got = socket.Receive(buffer, Left(deadline));
         if (!got)
             break;
-        const auto header = decode_ack_header(ConstBytes(buffer.data(), got->size));
-        if (!header || header->ack_id != requestId ||
-            header->acknowledge != static_cast<uint16_t>(GvcpAck::ForceIp))
-            continue;
-        return is_error(header->status) ? StatusToError(header->status) : GC_ERR_SUCCESS;
+        if (const auto result = JudgeForceIpAck(ConstBytes(buffer.data(), got->size), requestId))
+            return *result;
     }
     return GC_ERR_TIMEOUT;
 }

@@ -3,7 +3,7 @@
 #include <array>
 #include <chrono>
 
-#include "ry/gev/protocol/gvcp.h"
+#include "ry/gev/client/device_answers.h"
 
 namespace ry::gev::client {
 
@@ -43,26 +43,13 @@ void MessageChannel::Run(std::stop_token stop) {
 }
 
 void MessageChannel::Handle(const uint8_t* data, size_t size, const Datagram& from) {
-    const ConstBytes datagram(data, size);
-    const auto header = decode_command_header(datagram);
-    if (!header)
-        return;
-    const auto payload = command_payload(datagram, *header);
-    if (!payload)
-        return;
-    std::optional<std::vector<EventItem>> items;
-    if (header->command == static_cast<uint16_t>(GvcpCommand::Event))
-        items = decode_event_command(header->flags, *payload);
-    else if (header->command == static_cast<uint16_t>(GvcpCommand::EventData))
-        items = decode_eventdata_command(header->flags, *payload);
-    if (!items)
+    const auto message = ParseEventMessage(ConstBytes(data, size));
+    if (!message)
         return;
     // Acknowledge before running callbacks so a slow callback never causes a resend.
-    if (header->flags & kFlagAckRequired) {
-        const auto ack = make_ack(0, ack_code_for(header->command), header->req_id);
-        socket_.SendTo(from.sourceIp, from.sourcePort, ack);
-    }
-    for (const EventItem& item : *items)
+    if (!message->ack.empty())
+        socket_.SendTo(from.sourceIp, from.sourcePort, message->ack);
+    for (const EventItem& item : message->items)
         handler_(item);
 }
 

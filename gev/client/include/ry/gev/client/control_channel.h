@@ -4,6 +4,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -19,10 +20,12 @@ namespace ry::gev::client {
 
 // How long one request may take in total, and how many times it is sent within that time.
 // A time-out of 0 sets no limit: the request is sent again every kUnlimitedResendMs until it
-// is answered or AbortWaits() is called.
+// is answered or AbortWaits() is called. PENDING_ACKs may stretch a limited request by at
+// most pendingLimitMs in all, however many the device sends.
 struct RequestBudget {
     uint32_t timeoutMs = 500;
     uint32_t attempts = 3;
+    uint32_t pendingLimitMs = 10000;
 };
 
 struct RegisterPair {
@@ -74,8 +77,17 @@ class ControlChannel {
         bool exact = false;  // the caller's range is whole words already
     };
     static std::optional<WordRange> CoverWords(uint64_t address, size_t size);
+    // How one request waits for its acknowledge.
+    struct Wait {
+        bool unlimited = false;
+        std::chrono::milliseconds perAttempt{0};
+        std::chrono::steady_clock::time_point latest;  // no PENDING_ACK moves a wait past it
+        uint16_t requestId = 0;
+        uint16_t expectedAck = 0;
+    };
     GC_ERROR Exchange(GvcpCommand command, std::span<const uint8_t> request, uint16_t requestId,
                       RequestBudget budget, Payload& answer);
+    GC_ERROR AwaitAck(const Wait& wait, Payload& answer);
     uint16_t NextRequestId();
     GC_ERROR ReadAligned(uint32_t address, std::span<uint8_t> data);
     GC_ERROR WriteAligned(uint32_t address, std::span<const uint8_t> data);
