@@ -111,9 +111,9 @@ TEST_F(ForgedStreamTest, PacketsFromAnotherAddressDoNotDisturbTheRealStream) {
     StreamBeside({"127.0.0.3"});
 }
 
-// Fails: the receiver filters stream packets by the camera's address only, not its source
-// port, so packets from another port of that address are taken into the frames.
-TEST_F(ForgedStreamTest, DISABLED_PacketsFromAnotherPortOfTheCameraDoNotDisturbTheRealStream) {
+// The camera says which port it streams from (SCSP): packets from another port of its
+// address are not its stream.
+TEST_F(ForgedStreamTest, PacketsFromAnotherPortOfTheCameraDoNotDisturbTheRealStream) {
     StreamBeside({"127.0.0.2"});
 }
 
