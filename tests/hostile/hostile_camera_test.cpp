@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -86,6 +87,49 @@ TEST_F(HostileCamera, RecordsOfTextsWithoutTerminatorsAreBoundedAndTerminated) {
     RYINTERFACE_INFO adapter;
     ASSERT_EQ(gige.GetInterfaceInfo(0u, &adapter), RESULT_SUCCESS);
     EXPECT_TRUE(Terminated(adapter.m_Name));
+}
+
+// True when `text` is valid UTF-8 holding no control character but rycam's own line feeds
+// and tabs.
+bool SafeForATerminal(const std::string& text) {
+    size_t i = 0;
+    while (i < text.size()) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < 0x80) {
+            if ((byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F)
+                return false;
+            ++i;
+            continue;
+        }
+        const size_t length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC2 ? 2 : 0;
+        if (length == 0 || i + length > text.size())
+            return false;
+        for (size_t k = 1; k < length; ++k) {
+            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80)
+                return false;
+        }
+        // C1 controls (U+0080 to U+009F) act on terminals too.
+        if (byte == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0)
+            return false;
+        i += length;
+    }
+    return true;
+}
+
+TEST_F(HostileCamera, RycamListEscapesEveryTextTheDeviceSends) {
+    HostileConfig config;
+    config.hostile_texts = true;
+    const HostileDevice device(config);
+    std::string output;
+    FILE* pipe = ::popen(RY_RYCAM_PATH " list 2>&1", "r");
+    ASSERT_NE(pipe, nullptr);
+    char chunk[4096];
+    size_t read = 0;
+    while ((read = std::fread(chunk, 1, sizeof(chunk), pipe)) > 0)
+        output.append(chunk, read);
+    EXPECT_EQ(::pclose(pipe), 0) << output;
+    EXPECT_NE(output.find("127.0.0.2"), std::string::npos) << output;
+    EXPECT_TRUE(SafeForATerminal(output)) << output;
 }
 
 TEST_F(HostileCamera, BadDiscoveryAnswersGiveNoCameraAndDuplicatesOne) {
