@@ -253,13 +253,14 @@ class FlatLibrary:
 
     def __init__(self, library: ctypes.CDLL) -> None:
         self.library = library
+        self._checked: dict[str, Any] = {}
         self._unchecked: dict[str, Any] = {}
         text = getattr(library, _RESULT_TEXT_SYMBOL, None)
         if text is not None:
             text.argtypes, text.restype = [ctypes.c_int32], ctypes.c_wchar_p
         self._result_text = text
         for name, (arguments, result) in FUNCTIONS.items():
-            setattr(self, name, self._declare(name, arguments, result, checked=True))
+            self._checked[name] = self._declare(name, arguments, result, checked=True)
             self._unchecked[name] = self._declare(name, arguments, result, checked=False)
 
     def _declare(self, name: str, arguments: Sequence[Any], result: Any, checked: bool) -> Any:
@@ -267,7 +268,15 @@ class FlatLibrary:
         function.argtypes = list(arguments)
         function.restype = result
         if checked and result is _I32:
-            function.errcheck = self._check
+            function.errcheck = self._check  # type: ignore[assignment]
+        return function
+
+    def __getattr__(self, name: str) -> Callable[..., Any]:
+        """The flat function `name`; a failing RESULT raises RyGigEError."""
+        try:
+            function: Callable[..., Any] = self.__dict__["_checked"][name]
+        except KeyError:
+            raise AttributeError(f"the flat interface has no function {name}") from None
         return function
 
     def unchecked(self, name: str) -> Callable[..., int]:

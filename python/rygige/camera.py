@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import threading
-from typing import Any, Iterator, Optional
+from typing import Any, Generator, Optional
 
 from rygige import _types as t
 from rygige._flat import FlatLibrary
@@ -105,7 +105,9 @@ class Camera:
         if self._handle is not None:
             self._flat.unchecked("CameraAbort")(self._handle)
 
-    def grab(self, count: Optional[int] = None, timeout: Optional[float] = 5.0) -> Iterator[Frame]:
+    def grab(
+        self, count: Optional[int] = None, timeout: Optional[float] = 5.0
+    ) -> Generator[Frame, None, None]:
         """Grabs `count` frames (None: until the loop ends) and yields each while it is
         held: a frame is released when the next one is taken or the loop ends.
         RyGigETimeoutError when no frame comes within `timeout` seconds,
@@ -113,7 +115,9 @@ class Camera:
         self._begin(count)
         return self._frames(count, timeout)
 
-    def _frames(self, count: Optional[int], timeout: Optional[float]) -> Iterator[Frame]:
+    def _frames(
+        self, count: Optional[int], timeout: Optional[float]
+    ) -> Generator[Frame, None, None]:
         taken = 0
         try:
             while count is None or taken < count:

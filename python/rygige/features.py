@@ -5,13 +5,14 @@ from __future__ import annotations
 import ctypes
 from collections.abc import Mapping
 from dataclasses import dataclass, field
-from typing import Any, Iterator, Union
+from typing import Any, Callable, Iterator, Union
 
 from rygige import _types as t
 from rygige._flat import FlatLibrary
 from rygige.errors import Result, RyGigEError
 
 FeatureValue = Union[int, float, bool, str]
+Number = Union[int, float]
 
 _FIRST_ANSWER = 256  # most answers fit; a longer one is read again at its size
 
@@ -216,9 +217,9 @@ class Features(Mapping[str, FeatureValue]):
         count = int(self._query(name, t.CustomQuery.NUM))
         return [self._query(name, t.CustomQuery.INDEX + index) for index in range(count)]
 
-    def range(self, name: str) -> tuple[FeatureValue, FeatureValue, FeatureValue]:
+    def range(self, name: str) -> tuple[Number, Number, Number]:
         """(minimum, maximum, increment) of an integer or float feature."""
-        parse = int if self.kind(name) == t.FeatureKind.INTEGER else float
+        parse: Callable[[str], Number] = int if self.kind(name) == t.FeatureKind.INTEGER else float
         return (
             parse(self._query(name, t.CustomQuery.MIN)),
             parse(self._query(name, t.CustomQuery.MAX)),

@@ -211,8 +211,9 @@ def _view(info: FrameInfo, address: int) -> npt.NDArray[Any]:
     dtype, shape = _shape(info)
     if address == 0 or info.size == 0:
         raise FrameReleasedError(f"frame {info.block_id} has no pixels")
-    raw = (ctypes.c_uint8 * info.size).from_address(address)
-    return np.frombuffer(raw, dtype=dtype, count=int(np.prod(shape))).reshape(shape)
+    raw = memoryview((ctypes.c_uint8 * info.size).from_address(address))
+    view: npt.NDArray[Any] = np.frombuffer(raw, dtype=np.dtype(dtype), count=int(np.prod(shape)))
+    return view.reshape(shape)
 
 
 def to_bgr(info: FrameInfo, pixels: npt.NDArray[Any]) -> npt.NDArray[np.uint8]:

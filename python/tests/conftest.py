@@ -48,7 +48,8 @@ class Emulator:
         assert self.process.stdout is not None
         ready = self.process.stdout.readline()  # one line once the camera listens
         if not ready:
-            raise RuntimeError(f"the emulator did not start: {self.process.stderr.read()}")
+            _, error = self.process.communicate(timeout=10)
+            raise RuntimeError(f"the emulator did not start: {error}")
 
     def pull_cable(self) -> None:
         """Freezes the camera: it neither answers nor streams until `replug`."""

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import subprocess
 import sys
+from typing import Any, Union
 
 import pytest
 
@@ -16,7 +17,10 @@ def test_discovery_records_and_open_by_each_selector(system: rygige.System) -> N
     assert found.ip_address == ADDRESS and found.model and found.index == 0
     [interface] = system.interfaces()
     assert interface.cameras == (found,)
-    for selector in (0, found.name, ADDRESS, found.mac_address.upper(), found):
+    selectors: list[Union[int, str, rygige.CameraInfo]] = [
+        0, found.name, ADDRESS, found.mac_address.upper(), found
+    ]
+    for selector in selectors:
         with system.open(selector) as camera:
             assert camera.features["Width"] == WIDTH
         assert camera.closed
@@ -89,10 +93,12 @@ def test_bad_feature_input_gives_clear_errors(camera: rygige.Camera) -> None:
     assert unknown.value.result == rygige.Result.ERROR_XML_NOT_EXIST_NODE
     with pytest.raises(KeyError):
         features["NoSuchFeature"] = 1
-    assert "NoSuchFeature" not in features and "" not in features and 3 not in features
+    assert "NoSuchFeature" not in features and "" not in features
+    assert 3 not in features  # type: ignore[comparison-overlap]
     assert features.get("NoSuchFeature") is None
-    for name, value in (("Width", "640"), ("Width", 1.5), ("Width", True), ("Gain", "x"),
-                        ("StreamHold", 1), ("PixelFormat", 3), ("DeviceUserID", b"x")):
+    wrong: list[tuple[str, Any]] = [("Width", "640"), ("Width", 1.5), ("Width", True), ("Gain", "x"),
+                        ("StreamHold", 1), ("PixelFormat", 3), ("DeviceUserID", b"x")]
+    for name, value in wrong:
         with pytest.raises(TypeError):
             features[name] = value
     with pytest.raises(ValueError):

@@ -18,7 +18,7 @@ from conftest import HEIGHT, WIDTH, Emulator
 def expected_mono8(block_id: int, width: int = WIDTH, height: int = HEIGHT) -> npt.NDArray[np.uint8]:
     """The emulator's Mono8 test image: (x + 2y) mod 256, the first 8 bytes the block id."""
     y, x = np.mgrid[0:height, 0:width]
-    image = ((x + 2 * y) & 0xFF).astype(np.uint8)
+    image: npt.NDArray[np.uint8] = ((x + 2 * y) & 0xFF).astype(np.uint8)
     image.reshape(-1)[:8] = np.frombuffer(block_id.to_bytes(8, "little"), dtype=np.uint8)
     return image
 
