@@ -8,9 +8,9 @@ from typing import Any, Generator, Optional
 
 from rygige import _types as t
 from rygige._flat import FlatLibrary
-from rygige.errors import CameraClosedError
+from rygige.errors import CameraClosedError, RyGigETimeoutError
 from rygige.features import Features, _encoded
-from rygige.frames import Acquisition, Delivery, Frame, FrameCallback
+from rygige.frames import Acquisition, Delivery, Frame, FrameCallback, FrameQueue
 
 _SERIAL_ANSWER = 4096
 
@@ -29,7 +29,6 @@ class Camera:
         self._object = t.ObjectInfo()
         self._disconnect_callback = t.DisconnectCallback(self._on_disconnect)
         self._disconnected = threading.Event()
-        self._acquisition: Optional[Acquisition] = None
         self.features = Features(library, self.handle)
 
     # ---- open and close ----------------------------------------------------------------
@@ -85,18 +84,19 @@ class Camera:
 
     # ---- acquisition -------------------------------------------------------------------
 
-    def _begin(self, count: Optional[int]) -> None:
+    def _begin(self, count: Optional[int]) -> "FrameQueue[object]":
         if count is not None and (isinstance(count, bool) or not isinstance(count, int)):
             raise TypeError(f"count is an int or None, not {type(count).__name__}")
         if count is not None and not 0 < count < 2**32:
             raise ValueError(f"count must be at least 1, not {count}")
         handle = self.handle()
         self.stop()
-        self._delivery.start()
+        source = self._delivery.start()
         if count is None:
             self._flat.CameraGrab(handle)
         else:
             self._flat.CameraSnap(handle, count)
+        return source
 
     def stop(self) -> None:
         """Stops the acquisition; the frame out, if any, is released. Thread: application,
@@ -112,30 +112,55 @@ class Camera:
         held: a frame is released when the next one is taken or the loop ends.
         RyGigETimeoutError when no frame comes within `timeout` seconds,
         CameraDisconnectedError when the camera stops answering."""
-        self._begin(count)
-        return self._frames(count, timeout)
+        return self._frames(self._begin(count), count, timeout)
 
     def _frames(
-        self, count: Optional[int], timeout: Optional[float]
+        self, source: "FrameQueue[object]", count: Optional[int], timeout: Optional[float]
     ) -> Generator[Frame, None, None]:
         taken = 0
         try:
             while count is None or taken < count:
-                frame = self._delivery.take(timeout)
+                try:
+                    frame = Delivery.take(source, timeout)
+                except RyGigETimeoutError as error:
+                    raise self._explained(error, taken, count) from None
+                if frame is None:
+                    return  # stopped: by close(), or by a new grab
                 taken += 1
                 try:
                     yield frame
                 finally:
                     frame.release()
         finally:
-            self.stop()
+            self._stop_if_current(source)
+
+    def _explained(
+        self, error: RyGigETimeoutError, taken: int, count: Optional[int]
+    ) -> RyGigETimeoutError:
+        """The time-out, saying whether the camera's acquisition ended and what was lost."""
+        grabbing = ctypes.c_int32(1)
+        self._flat.unchecked("CameraGetGrabCondition")(self.handle(), ctypes.byref(grabbing))
+        if grabbing.value:
+            return error
+        lost = self.statistics()["lost_frames"]
+        wanted = "" if count is None else f" of {count}"
+        return RyGigETimeoutError(
+            f"{error.message}: the acquisition ended after {taken}{wanted} frames "
+            f"({lost} lost since the camera was opened; more buffers may help)",
+            error.result,
+            error.text,
+        )
 
     def start(self, callback: FrameCallback, count: Optional[int] = None) -> Acquisition:
         """Grabs `count` frames (None: until stopped) and calls `callback(frame)` for each on
         a thread of the package's own; the frame is released when the callback returns."""
-        self._begin(count)
-        self._acquisition = Acquisition(self._delivery, callback, count, self.stop)
-        return self._acquisition
+        source = self._begin(count)
+        return Acquisition(source, callback, count, lambda: self._stop_if_current(source))
+
+    def _stop_if_current(self, source: "FrameQueue[object]") -> None:
+        """Stops the acquisition of `source` unless a later one has replaced it."""
+        if self._delivery.current is source:
+            self.stop()
 
     # ---- statistics, serial channel, files ---------------------------------------------
 

@@ -241,7 +241,9 @@ def to_bgr(info: FrameInfo, pixels: npt.NDArray[Any]) -> npt.NDArray[np.uint8]:
     return out
 
 
+FrameQueue = queue.SimpleQueue  # frames, or one of these two signals:
 _DISCONNECTED = object()  # put on the queue when the camera stops answering
+_STOPPED = object()  # put on the queue when the acquisition is stopped
 
 
 class Delivery:
@@ -252,18 +254,25 @@ class Delivery:
 
     def __init__(self) -> None:
         self._lock = threading.Lock()
-        self._queue: "queue.SimpleQueue[object]" = queue.SimpleQueue()
+        self._queue: "FrameQueue[object]" = queue.SimpleQueue()
         self._open = False
         self._out: Optional[Frame] = None
         self.delivered = 0
         # Kept alive here for as long as the SDK may call them.
         self.image_callback = t.ImageCallback(self.on_image)
 
-    def start(self) -> None:
-        """Accepts frames from now on. Thread: application."""
+    def start(self) -> "FrameQueue[object]":
+        """Accepts frames from now on; the queue this acquisition's frames go to (a stopped
+        acquisition's consumer must not take the next one's frames). Thread: application."""
         with self._lock:
             self._queue = queue.SimpleQueue()
             self._open = True
+            return self._queue
+
+    @property
+    def current(self) -> "FrameQueue[object]":
+        """The queue of the latest acquisition."""
+        return self._queue
 
     def stop(self) -> None:
         """Refuses further frames and releases the one out, so that the grab thread returns
@@ -271,6 +280,7 @@ class Delivery:
         with self._lock:
             self._open = False
             out = self._out
+            self._queue.put(_STOPPED)
         if out is not None:
             self.release(out)
 
@@ -304,11 +314,13 @@ class Delivery:
         """Wakes whoever waits for a frame: the camera is gone. Thread: any."""
         self._queue.put(_DISCONNECTED)
 
-    def take(self, timeout: Optional[float]) -> Frame:
-        """The next frame; RyGigETimeoutError when none comes within `timeout` seconds,
-        CameraDisconnectedError when the camera stopped answering. Thread: the consumer."""
+    @staticmethod
+    def take(source: "FrameQueue[object]", timeout: Optional[float]) -> Optional[Frame]:
+        """The next frame, or None once the acquisition was stopped; RyGigETimeoutError
+        when none comes within `timeout` seconds, CameraDisconnectedError when the camera
+        stopped answering. Thread: the consumer."""
         try:
-            item = self._queue.get(timeout=timeout)
+            item = source.get(timeout=timeout)
         except queue.Empty:
             raise RyGigETimeoutError(
                 f"no frame within {timeout} s",
@@ -317,6 +329,8 @@ class Delivery:
             ) from None
         if item is _DISCONNECTED:
             raise CameraDisconnectedError("the camera stopped answering")
+        if item is _STOPPED:
+            return None
         assert isinstance(item, Frame)
         return item
 
@@ -339,12 +353,12 @@ class Acquisition:
 
     def __init__(
         self,
-        delivery: Delivery,
+        source: "FrameQueue[object]",
         callback: FrameCallback,
         count: Optional[int],
         stop_camera: Callable[[], None],
     ) -> None:
-        self._delivery = delivery
+        self._source = source
         self._callback = callback
         self._count = count
         self._stop_camera = stop_camera
@@ -362,11 +376,13 @@ class Acquisition:
                 if self._count is not None and self.frames >= self._count:
                     break
                 try:
-                    frame = self._delivery.take(timeout=0.1)
+                    frame = Delivery.take(self._source, timeout=0.1)
                 except RyGigETimeoutError:
                     continue
                 except CameraDisconnectedError:
                     self.disconnected = True
+                    break
+                if frame is None:
                     break
                 self._call(frame)
         finally:

@@ -135,3 +135,18 @@ def test_bad_grab_arguments(camera: rygige.Camera) -> None:
     with pytest.raises(rygige.RyGigETimeoutError):
         camera.features["TriggerMode"] = "On"
         next(camera.grab(1, timeout=0.3))
+
+
+def test_a_grab_ended_by_close_or_a_new_grab_ends_quietly(system: rygige.System) -> None:
+    camera = system.open(0)
+    frames = camera.grab(None, timeout=5)
+    next(frames)
+    again = camera.grab(2)
+    assert list(frames) == []  # the first grab ended without waiting for its time-out
+    assert len(list(again)) == 2
+    frames = camera.grab(None, timeout=5)
+    next(frames)
+    camera.close()
+    started = time.monotonic()
+    assert list(frames) == []
+    assert time.monotonic() - started < 1
