@@ -20,24 +20,13 @@ import numpy.typing as npt
 from rygige import _types as t
 from rygige.camera import Camera
 from rygige.errors import RyGigEError, RyGigENotFoundError
+from rygige.features import Category, Feature
 from rygige.frames import Frame
 from rygige.system import System
 
 EXIT_OK, EXIT_FAILURE, EXIT_USAGE, EXIT_NOTHING_FOUND = 0, 1, 2, 3
-INFO_FEATURES = (
-    "DeviceVendorName",
-    "DeviceModelName",
-    "DeviceVersion",
-    "DeviceFirmwareVersion",
-    "DeviceSerialNumber",
-    "DeviceID",
-    "DeviceUserID",
-    "Width",
-    "Height",
-    "PixelFormat",
-    "PayloadSize",
-    "AcquisitionMode",
-)
+# Shown after the identity features (the camera's "DeviceControl" category).
+IMAGE_FEATURES = ("Width", "Height", "PixelFormat", "PayloadSize", "AcquisitionMode")
 
 
 def _png(path: Path, image: npt.NDArray[np.uint8]) -> None:
@@ -94,13 +83,20 @@ def _info(camera: Camera, arguments: argparse.Namespace, system: System) -> int:
     print(f"{'Device identifier':<22} {record.name}")
     print(f"{'IP address':<22} {record.ip_address}")
     print(f"{'MAC address':<22} {record.mac_address}")
-    for name in INFO_FEATURES:
-        if name in camera.features:
-            try:
-                print(f"{name:<22} {camera.features[name]}")
-            except RyGigEError:
-                continue
-    print(f"{'Features':<22} {len(camera.features)}")
+    tree = camera.features.tree()
+    identity = [
+        entry.name
+        for category in tree.children
+        if isinstance(category, Category) and category.name == "DeviceControl"
+        for entry in category.children
+        if isinstance(entry, Feature) and entry.readable and entry.kind != t.FeatureKind.COMMAND
+    ]
+    for name in [*identity, *IMAGE_FEATURES]:
+        try:
+            print(f"{name:<22} {camera.features[name]}")
+        except RyGigEError:
+            continue  # a feature this camera lacks, or cannot read now
+    print(f"{'Features':<22} {sum(1 for _ in tree.walk())} (see camera.features.tree())")
     return EXIT_OK
 
 

@@ -8,6 +8,7 @@ from __future__ import annotations
 
 import ctypes
 import enum
+from typing import Any
 
 
 class ObjectInfo(ctypes.Structure):
@@ -43,45 +44,36 @@ class DisconnectInfo(ctypes.Structure):
     ]
 
 
+def _words(*names: str) -> list[tuple[str, Any]]:
+    """Unsigned 32-bit fields."""
+    return [(name, ctypes.c_uint32) for name in names]
+
+
+def _texts(**capacities: int) -> list[tuple[str, Any]]:
+    """Fixed-size, zero-terminated text fields, each with its capacity in bytes."""
+    return [(name, ctypes.c_char * capacity) for name, capacity in capacities.items()]
+
+
 class CameraInfoRecord(ctypes.Structure):
     """RYCAMERA_INFO: one camera as discovery saw it."""
 
-    _fields_ = [
-        ("m_ErrorFlag", ctypes.c_uint32),
-        ("m_Result", ctypes.c_uint32),
-        ("m_DeviceIndex", ctypes.c_uint32),
-        ("m_Name", ctypes.c_char * 256),
-        ("m_ModelName", ctypes.c_char * 128),
-        ("m_ManufacturerName", ctypes.c_char * 128),
-        ("m_IPAddress", ctypes.c_char * 32),
-        ("m_MACAddress", ctypes.c_char * 32),
-    ]
+    _fields_ = _words("m_ErrorFlag", "m_Result", "m_DeviceIndex") + _texts(
+        m_Name=256, m_ModelName=128, m_ManufacturerName=128, m_IPAddress=32, m_MACAddress=32
+    )
 
 
 class InterfaceInfoRecord(ctypes.Structure):
     """RYINTERFACE_INFO: one network interface as discovery saw it."""
 
-    _fields_ = [
-        ("m_ErrorFlag", ctypes.c_uint32),
-        ("m_Result", ctypes.c_int32),
-        ("m_Index", ctypes.c_uint32),
-        ("m_Name", ctypes.c_char * 256),
-    ]
+    _fields_ = [("m_ErrorFlag", ctypes.c_uint32), ("m_Result", ctypes.c_int32)]
+    _fields_ += _words("m_Index") + _texts(m_Name=256)
 
 
 class PropertyInfo(ctypes.Structure):
     """PROPERTY_INFO: one feature of the camera's property list."""
 
-    _fields_ = [
-        ("type", ctypes.c_uint32),
-        ("accessMode", ctypes.c_uint32),
-        ("visibility", ctypes.c_uint32),
-        ("representation", ctypes.c_uint32),
-        ("reserved", ctypes.c_uint32),
-        ("name", ctypes.c_char * 256),
-        ("displayName", ctypes.c_char * 256),
-        ("description", ctypes.c_char * 2048),
-    ]
+    _fields_ = _words("type", "accessMode", "visibility", "representation", "reserved")
+    _fields_ += _texts(name=256, displayName=256, description=2048)
 
 
 class EventData(ctypes.Structure):

@@ -103,37 +103,19 @@ class FrameInfo:
 
 
 class Frame:
-    """One frame, borrowed from the SDK's buffer pool until it is released.
+    """One frame, borrowed from the SDK's buffer pool until it is released. Its block id,
+    width, height and pixel format (and the rest of `info`) stay readable afterwards.
 
     Thread: the thread that took it; `release` from any thread."""
 
     def __init__(self, info: FrameInfo, address: int, delivery: Optional["Delivery"]) -> None:
         self.info = info
+        self.block_id, self.pixel_format = info.block_id, info.pixel_format
+        self.width, self.height = info.width, info.height
         self._address = address
         self._delivery = delivery
         self._released = threading.Event()
         self._array: Optional[npt.NDArray[Any]] = None
-
-    # The metadata stays readable after the release.
-    @property
-    def block_id(self) -> int:
-        """The stream's block id of this frame."""
-        return self.info.block_id
-
-    @property
-    def width(self) -> int:
-        """Pixels a line."""
-        return self.info.width
-
-    @property
-    def height(self) -> int:
-        """Lines."""
-        return self.info.height
-
-    @property
-    def pixel_format(self) -> int:
-        """The pixel format code (see PixelFormat)."""
-        return self.info.pixel_format
 
     @property
     def released(self) -> bool:
