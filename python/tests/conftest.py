@@ -75,8 +75,8 @@ def private_network() -> None:
 
 @pytest.fixture
 def emulator() -> Iterator[Emulator]:
-    """A Mono8 camera of WIDTH x HEIGHT at 300 frames a second."""
-    camera = Emulator("--width", str(WIDTH), "--height", str(HEIGHT), "--fps", "300")
+    """A Mono8 camera of WIDTH x HEIGHT at 100 frames a second."""
+    camera = Emulator("--width", str(WIDTH), "--height", str(HEIGHT), "--fps", "100")
     yield camera
     camera.stop()
 
@@ -90,6 +90,7 @@ def system(emulator: Emulator) -> Iterator[rygige.System]:
 
 @pytest.fixture
 def camera(system: rygige.System) -> Iterator[rygige.Camera]:
-    """The emulated camera, open with control privilege."""
-    with system.open(0, buffers=8) as opened:
+    """The emulated camera, open with control privilege; 32 buffers are a third of a
+    second of slack for a loaded machine."""
+    with system.open(0, buffers=32) as opened:
         yield opened
