@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import atexit
 import ctypes
 from dataclasses import dataclass
 from typing import Optional, Union
@@ -39,6 +40,18 @@ def _text(raw: bytes) -> str:
     return raw.decode("utf-8", errors="replace")
 
 
+# Systems still open, kept as the SDK keeps its system object: until closed. The interpreter
+# must not exit while an SDK thread waits in a frame callback for Python (a thread it ends
+# that way takes the process down), so whatever the application left open is closed at exit.
+_OPEN: "set[System]" = set()
+
+
+@atexit.register
+def _close_at_exit() -> None:
+    for system in list(_OPEN):
+        system.close()
+
+
 class System:
     """The SDK's system object. One may exist per process at a time: a second gives
     RyGigEError (ERROR_OPENED_ALREADY) until the first is closed. Opening it discovers the
@@ -50,6 +63,7 @@ class System:
         self._flat.OpenRyGigE(ctypes.byref(handle))
         self._handle: Optional[int] = handle.value
         self._cameras: list[Camera] = []
+        _OPEN.add(self)
         if discovery_timeout is not None:
             self.discover(discovery_timeout)
 
@@ -68,6 +82,7 @@ class System:
         self._cameras.clear()
         handle = ctypes.c_void_p(self._handle)
         self._handle = None
+        _OPEN.discard(self)
         self._flat.unchecked("CloseRyGigE")(ctypes.byref(handle))
 
     def __enter__(self) -> "System":

@@ -4,6 +4,8 @@ frame lifetime, stopping, and a pulled cable."""
 from __future__ import annotations
 
 import logging
+import subprocess
+import sys
 import threading
 import time
 
@@ -12,7 +14,7 @@ import numpy.typing as npt
 import pytest
 
 import rygige
-from conftest import HEIGHT, WIDTH, Emulator
+from conftest import HEIGHT, TREE, WIDTH, Emulator
 
 
 def expected_mono8(block_id: int, width: int = WIDTH, height: int = HEIGHT) -> npt.NDArray[np.uint8]:
@@ -150,3 +152,19 @@ def test_a_grab_ended_by_close_or_a_new_grab_ends_quietly(system: rygige.System)
     started = time.monotonic()
     assert list(frames) == []
     assert time.monotonic() - started < 1
+
+
+@pytest.mark.parametrize(
+    "left_running",
+    ["next(camera.grab(None))", "camera.start(lambda frame: time.sleep(0.01)); time.sleep(0.3)"],
+)
+def test_a_program_may_exit_in_the_middle_of_a_grab(emulator: Emulator, left_running: str) -> None:
+    program = (
+        "import time, rygige\n"
+        "camera = rygige.System(discovery_timeout=0.3).open(0)\n"
+        f"{left_running}\n"
+    )
+    done = subprocess.run(
+        [sys.executable, "-c", program], cwd=TREE / "python", capture_output=True, timeout=60
+    )
+    assert done.returncode == 0, done.stderr
