@@ -98,25 +98,26 @@ class Features(Mapping[str, FeatureValue]):
     RyGigEAccessDeniedError. Iteration gives the names of the property list's features.
     Thread: application."""
 
-    def __init__(self, library: FlatLibrary, handle: Any) -> None:
+    def __init__(self, library: FlatLibrary, handle: Callable[[], int]) -> None:
+        """`handle` gives the open camera's flat handle (or raises once it is closed)."""
         self._flat = library
-        self._handle = handle  # a callable giving the open camera's handle
+        self._camera_handle = handle
         self._kinds: dict[str, t.FeatureKind] = {}
 
     def info(self, name: str) -> Feature:
         """The feature's record, read from the camera now."""
         record = t.PropertyInfo()
-        self._flat.CameraGetPropertyInfo(self._handle(), _encoded(name), ctypes.byref(record))
+        self._flat.CameraGetPropertyInfo(self._camera_handle(), _encoded(name), ctypes.byref(record))
         return _feature(record)
 
     def properties(self) -> list[Feature]:
         """The property list: every visible feature and category, depth first."""
         count = ctypes.c_int32()
-        self._flat.CameraGetPropertyCount(self._handle(), ctypes.byref(count))
+        self._flat.CameraGetPropertyCount(self._camera_handle(), ctypes.byref(count))
         records = []
         for index in range(count.value):
             record = t.PropertyInfo()
-            self._flat.CameraGetPropertyInfoUsingIndex(self._handle(), index, ctypes.byref(record))
+            self._flat.CameraGetPropertyInfoUsingIndex(self._camera_handle(), index, ctypes.byref(record))
             records.append(_feature(record))
         return records
 
@@ -153,7 +154,7 @@ class Features(Mapping[str, FeatureValue]):
             buffer = ctypes.create_string_buffer(size.value)
             capacity = size.value
             result = self._flat.unchecked("CameraGetCustomCommand")(
-                self._handle(), _encoded(name), buffer, ctypes.byref(size), what
+                self._camera_handle(), _encoded(name), buffer, ctypes.byref(size), what
             )
             if result == Result.SUCCESS:
                 return _text(buffer.value)
@@ -179,7 +180,7 @@ class Features(Mapping[str, FeatureValue]):
 
     def __setitem__(self, name: str, value: FeatureValue) -> None:
         text = self._as_text(name, self.kind(name), value)
-        self._flat.CameraSetCustomCommand(self._handle(), _encoded(name), text, len(text), 0, 0)
+        self._flat.CameraSetCustomCommand(self._camera_handle(), _encoded(name), text, len(text), 0, 0)
 
     def _as_text(self, name: str, kind: t.FeatureKind, value: object) -> bytes:
         def wrong(expected: str) -> TypeError:
@@ -230,14 +231,14 @@ class Features(Mapping[str, FeatureValue]):
         """Runs a command feature."""
         if self.kind(name) != t.FeatureKind.COMMAND:
             raise TypeError(f"{name} is not a command")
-        self._flat.CameraSetCustomCommand(self._handle(), _encoded(name), b"1", 1, 0, 0)
+        self._flat.CameraSetCustomCommand(self._camera_handle(), _encoded(name), b"1", 1, 0, 0)
 
     def __contains__(self, name: object) -> bool:
         if not isinstance(name, str) or not name or "\0" in name:
             return False
         record = t.PropertyInfo()
         result = self._flat.unchecked("CameraGetPropertyInfo")(
-            self._handle(), _encoded(name), ctypes.byref(record)
+            self._camera_handle(), _encoded(name), ctypes.byref(record)
         )
         return result == Result.SUCCESS
 
