@@ -168,3 +168,33 @@ def test_a_program_may_exit_in_the_middle_of_a_grab(emulator: Emulator, left_run
         [sys.executable, "-c", program], cwd=TREE / "python", capture_output=True, timeout=60
     )
     assert done.returncode == 0, done.stderr
+
+
+def bayer_rg_channels(height: int, width: int) -> npt.NDArray[np.intp]:
+    """The BGR channel each pixel's own sample belongs to in an RG Bayer pattern."""
+    y, x = np.mgrid[0:height, 0:width]
+    channels: npt.NDArray[np.intp] = np.where(y % 2 == 0, np.where(x % 2 == 0, 2, 1),
+                                              np.where(x % 2 == 0, 1, 0))
+    return channels
+
+
+def test_to_bgr_of_other_pixel_formats(camera: rygige.Camera) -> None:
+    for pixel_format in ("RGB8Packed", "BayerRG8", "Mono10", "YUV422Packed"):
+        camera.features["PixelFormat"] = pixel_format
+        for frame in camera.grab(1):
+            raw, bgr = frame.array, frame.to_bgr()
+            assert bgr.shape == (HEIGHT, WIDTH, 3) and bgr.dtype == np.uint8
+            if pixel_format == "RGB8Packed":
+                np.testing.assert_array_equal(bgr, raw[:, :, ::-1])
+            elif pixel_format == "BayerRG8":
+                own = np.take_along_axis(bgr, bayer_rg_channels(HEIGHT, WIDTH)[..., None], 2)
+                np.testing.assert_array_equal(own[..., 0], raw)  # each pixel keeps its sample
+            elif pixel_format == "Mono10":
+                assert raw.dtype == np.dtype("<u2")
+                for channel in range(3):
+                    np.testing.assert_array_equal(bgr[:, :, channel], (raw >> 2) & 0xFF)
+    camera.features["PixelFormat"] = "Mono12Packed"
+    for frame in camera.grab(1):
+        assert frame.array.shape == (frame.info.size,)
+        with pytest.raises(ValueError):
+            frame.to_bgr()
