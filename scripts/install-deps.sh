@@ -10,6 +10,8 @@ packages=(
     iproute2 util-linux nftables
     clang-format clang libclang-rt-14-dev
     doxygen
+    # the Python package (python/) and its tests, with Debian's own interpreter
+    python3 python3-numpy python3-pytest mypy
     # peers and references the tests and benchmarks compare against
     libopencv-dev libaravis-dev libusb-1.0-0-dev aravis-tools-cli aravis-tools tshark
 )
