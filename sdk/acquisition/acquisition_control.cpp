@@ -55,12 +55,14 @@ RESULT WriteLegacySequence(TransportHandle device, const core::LogSite& site,
 }
 
 // Frames completed since the last acquisition ended are dropped, and frames the camera
-// sends from now on go into buffers before the grab thread runs.
-void BeginDelivery(TransportHandle stream) {
-    if (stream == nullptr)
+// sends from now on go into buffers before the grab thread runs. Under the queue manager the
+// application holds buffers of its own, which stay where they are.
+void BeginDelivery(const camera::CameraShared& shared) {
+    if (shared.stream == nullptr)
         return;
-    TL().DSFlushQueue(stream, ACQ_QUEUE_ALL_TO_INPUT);
-    TL().DSStartBufferGrabbing(stream);
+    if (shared.queueManager == 0)
+        TL().DSFlushQueue(shared.stream, ACQ_QUEUE_ALL_TO_INPUT);
+    TL().DSStartBufferGrabbing(shared.stream);
 }
 
 bool Executable(RyGenApi::ICommand* command) {
@@ -113,7 +115,7 @@ RESULT RyCamera::Grab() {
     RY_CAMERA_SITE(Grab);
     return RY_GUARDED(kSite, [&] {
         camera::CameraShared& shared = *m_Shared;
-        BeginDelivery(shared.stream);
+        BeginDelivery(shared);
         if (m_PlainDevice == 0) {
             RY_LOG_EVENT(kSite, kLogDebug, L"Old GigE Model");
             const RESULT result = WriteLegacySequence(shared.device, kSite,
@@ -139,7 +141,7 @@ RESULT RyCamera::Snap(unsigned int frames) {
     RY_CAMERA_SITE(Snap);
     return RY_GUARDED(kSite, [&] {
         camera::CameraShared& shared = *m_Shared;
-        BeginDelivery(shared.stream);
+        BeginDelivery(shared);
         if (m_PlainDevice == 0)
             return SnapByRegisters(shared, frames, m_AcquisitionTimeout, kSite);
         RY_LOG_EVENT(kSite, kLogDebug, L"New GigE Model");
