@@ -188,7 +188,10 @@ TEST_F(LossyLinkTest, OnePercentLossIsRepairedByResends) {
     }
     uint64_t resent = 0;
     EXPECT_EQ(camera_->GetNumResendSuccessfulPackets(resent), RESULT_SUCCESS);
-    EXPECT_GT(resent, 0u);
+    unsigned int missing = 0;
+    camera_->GetStreamInfo(STREAM_INFO_MISSING_PACKETS, missing);
+    EXPECT_GT(resent, 0u) << "camera resent " << emulator_->packets_resent() << ", sent "
+                          << emulator_->packets_sent() << ", missing " << missing;
     EXPECT_TRUE(log.Contains(L"ResendSuccessfulPkt block"));
 }
 
