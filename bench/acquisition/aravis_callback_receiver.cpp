@@ -1,6 +1,7 @@
 #include "aravis_callback_receiver.h"
 
 #include "measurement_window.h"
+#include "proc_readings.h"
 
 namespace ry::bench {
 namespace {
@@ -20,12 +21,14 @@ void OnBuffer(void* log, ArvStreamCallbackType type, ArvBuffer* buffer) {
 
 std::optional<ReceiverReport> MeasureAravisCallback(const AravisRun& run, RunBoard& board) {
     CallbackLog log(board.trailers, LogCapacity(run.seconds));
+    // Aravis falls back to its plain socket silently when it cannot open a packet socket.
+    const int inherited = OwnedPacketSockets();
     auto stream = AravisStream::Open(run, &OnBuffer, &log);
     if (!stream || !stream->Start()) {
         return std::nullopt;
     }
     ReceiverSummary& summary = board.summary;
-    summary.packetSocketOpen = PacketSocketOpen();
+    summary.packetSocketOpen = OwnedPacketSockets() > inherited;
     MeasureWindow(
         log, run.seconds, [&stream](auto until) { stream->Recycle(until, nullptr); }, summary);
     stream->Stop();

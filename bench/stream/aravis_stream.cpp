@@ -111,15 +111,4 @@ void AravisStream::Stop() {
     Failed(error, "stop");
 }
 
-// Lines after the heading of /proc/net/packet: the packet sockets of this network namespace.
-bool PacketSocketOpen() {
-    std::ifstream table("/proc/net/packet");
-    std::string line;
-    int lines = 0;
-    while (std::getline(table, line)) {
-        ++lines;
-    }
-    return lines > 1;
-}
-
 }  // namespace ry::bench

@@ -54,8 +54,4 @@ class AravisStream {
     GObjectPtr<ArvStream> stream_;
 };
 
-// Whether a packet socket is open in this network namespace: Aravis falls back to its plain
-// socket silently when it cannot open one.
-bool PacketSocketOpen();
-
 }  // namespace ry::bench

@@ -214,46 +214,14 @@ Latency MatchLatency(const DeliveryLog& log, const TrailerClock& clock) {
     return latency;
 }
 
-namespace {
-
-double Ticks(uint64_t ticks) {
-    return static_cast<double>(ticks) / static_cast<double>(::sysconf(_SC_CLK_TCK));
-}
-
-// Fields of /proc/<pid>/stat after the command name, which may hold spaces.
-std::vector<std::string> StatFields(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    const size_t close = text.rfind(')');
-    std::vector<std::string> fields;
-    if (close == std::string::npos) {
-        return fields;
-    }
-    fields.push_back(text.substr(text.find('(') + 1, close - text.find('(') - 1));
-    std::istringstream rest(text.substr(close + 2));
-    for (std::string field; rest >> field;) {
-        fields.push_back(field);
-    }
-    return fields;  // [0] comm, [1] state, [2] ppid, ... [12] utime, [13] stime
-}
-
-}  // namespace
-
 CpuSample SampleCpu(pid_t emulator) {
     CpuSample sample;
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
     sample.process = seconds(usage.ru_utime) + seconds(usage.ru_stime);
-    const auto fields = StatFields(emulator);
-    if (fields.size() > 13) {
-        sample.emulator = Ticks(std::stoull(fields[12]) + std::stoull(fields[13]));
-    }
-    std::ifstream stat("/proc/stat");
-    std::string cpu;
-    uint64_t value[7] = {};
-    stat >> cpu >> value[0] >> value[1] >> value[2] >> value[3] >> value[4] >> value[5] >> value[6];
-    sample.softirq = Ticks(value[6]);  // user nice system idle iowait irq softirq
+    sample.emulator = ProcessCpuSecondsOf(emulator);
+    sample.softirq = ReadMachineCpu().softirq;
     return sample;
 }
 
@@ -272,7 +240,7 @@ pid_t FindChild(const char* program) {
         if (pid <= 0) {
             continue;
         }
-        const auto fields = StatFields(pid);
+        const auto fields = ProcessStatFields(pid);
         if (fields.size() > 2 && std::stoi(fields[2]) == ::getpid() &&
             name.compare(0, fields[0].size(), fields[0]) == 0) {
             found = pid;
@@ -282,37 +250,6 @@ pid_t FindChild(const char* program) {
         ::closedir(proc);
     }
     return found;
-}
-
-int OwnedPacketSockets() {
-    std::ifstream table("/proc/net/packet");
-    std::set<std::string> inodes;
-    std::string line;
-    std::getline(table, line);  // heading
-    while (std::getline(table, line)) {
-        std::istringstream columns(line);
-        std::string inode;
-        for (std::string column; columns >> column;) {
-            inode = column;  // the last column
-        }
-        inodes.insert(inode);
-    }
-    DIR* fds = ::opendir("/proc/self/fd");
-    int owned = 0;
-    for (dirent* entry = fds ? ::readdir(fds) : nullptr; entry; entry = ::readdir(fds)) {
-        char target[64] = {};
-        const std::string path = std::string("/proc/self/fd/") + entry->d_name;
-        if (::readlink(path.c_str(), target, sizeof target - 1) > 0 &&
-            std::strncmp(target, "socket:[", 8) == 0) {
-            std::string inode(target + 8);
-            inode.pop_back();
-            owned += inodes.count(inode) != 0 ? 1 : 0;
-        }
-    }
-    if (fds) {
-        ::closedir(fds);
-    }
-    return owned;
 }
 
 MeasuredRun::MeasuredRun(double seconds, pid_t emulator, int packetSocketsBefore, DeliveryLog& log)

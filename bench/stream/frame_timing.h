@@ -14,6 +14,7 @@
 
 #include "child_measurement.h"
 #include "frame_tally.h"
+#include "proc_readings.h"
 
 namespace ry::bench {
 
@@ -87,10 +88,6 @@ double MachineSeconds(const CpuSample& start, const CpuSample& end);
 
 // The child of this process running `program` (by /proc), or -1.
 pid_t FindChild(const char* program);
-
-// Packet sockets this process holds (its fds against /proc/net/packet). A receiver's child
-// inherits the trailer clock's, so it compares against the count it started with.
-int OwnedPacketSockets();
 
 // One receiver's measured run, from the moment its stream is up: the clock, the CPU samples,
 // the frames' tally and their delivery times.

@@ -15,6 +15,7 @@ struct BenchOptions {
     uint32_t buffers = 8;
     uint64_t bufferBytes = 0;   // 0: the device's PayloadSize (or 16 MiB when unknown)
     uint32_t latencyReads = 0;  // > 0: measure register round trips instead of streaming
+    uint32_t receivePath = 0;   // RY_IF_PORT_RECEIVE_PATH: 0 automatic, 1 socket, 2 ring
 };
 
 // Parses argv[1..]; on failure returns nullopt and sets `error`.

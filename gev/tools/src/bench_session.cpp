@@ -57,12 +57,13 @@ bool BenchSession::Open(const BenchOptions& options, std::string& error) {
         error = "cannot open the transport layer";
         return false;
     }
-    return FindAndOpenDevice(options.device, error) && ReadDescription(error);
+    return FindAndOpenDevice(options, error) && ReadDescription(error);
 }
 
 // Discovers on every interface and opens the device that reports the address; a device
 // that does not answer broadcasts is asked by address directly.
-bool BenchSession::FindAndOpenDevice(const std::string& address, std::string& error) {
+bool BenchSession::FindAndOpenDevice(const BenchOptions& options, std::string& error) {
+    const std::string& address = options.device;
     bool8_t changed = 0;
     uint32_t interfaces = 0;
     TLUpdateInterfaceList(system_, &changed, 100);
@@ -75,6 +76,10 @@ bool BenchSession::FindAndOpenDevice(const std::string& address, std::string& er
         if (TLOpenInterface(system_, id, &iface_) != GC_ERR_SUCCESS)
             continue;
         IFSetIgnoreSubnetDiscover(iface_, 1);
+        if (options.receivePath != 0) {
+            size_t pathSize = sizeof options.receivePath;
+            GCWritePort(iface_, RY_IF_PORT_RECEIVE_PATH, &options.receivePath, &pathSize);
+        }
         IFUpdateDeviceList(iface_, &changed, 500);
         GC_ERROR rc = IFOpenDevice(iface_, address.c_str(), DEVICE_ACCESS_CONTROL, &device_);
         if (rc != GC_ERR_SUCCESS) {
@@ -185,32 +190,47 @@ bool BenchSession::SetUpStream(const BenchOptions& options) {
            DSStartAcquisition(stream_, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE) == GC_ERR_SUCCESS;
 }
 
-std::optional<StreamFigures> BenchSession::Stream(const BenchOptions& options) {
+bool BenchSession::StartStreaming(const BenchOptions& options) {
     if (!SetUpStream(options))
-        return std::nullopt;
+        return false;
     if (!ExecuteCommand("AcquisitionStart"))
         std::fprintf(stderr, "no AcquisitionStart register found; waiting for frames anyway\n");
+    return true;
+}
 
+bool BenchSession::NextFrame(const std::function<void(uint64_t, bool, uint64_t)>& onFrame) {
+    RY_NEW_BUFFER_DATA data{};
+    size_t dataSize = sizeof data;
+    if (EventGetData(event_, &data, &dataSize, 100) != GC_ERR_SUCCESS)
+        return false;
+    onFrame(BufferValue(stream_, data.buffer, BUFFER_INFO_BLOCK_ID),
+            BufferValue(stream_, data.buffer, BUFFER_INFO_STATUS) == RY_BUFFER_STATUS_COMPLETE,
+            BufferValue(stream_, data.buffer, BUFFER_INFO_SIZE_FILLED));
+    DSQueueBuffer(stream_, data.buffer);
+    return true;
+}
+
+void BenchSession::StopStreaming() {
+    ExecuteCommand("AcquisitionStop");
+    DSStopAcquisition(stream_, ACQ_STOP_FLAGS_KILL);
+}
+
+std::optional<StreamFigures> BenchSession::Stream(const BenchOptions& options) {
+    if (!StartStreaming(options))
+        return std::nullopt;
     FrameTally tally;
     const double cpuStart = ProcessCpuSeconds();
     const auto start = Clock::now();
     const auto end = start + std::chrono::duration<double>(options.seconds);
     while (Clock::now() < end) {
-        RY_NEW_BUFFER_DATA data{};
-        size_t dataSize = sizeof data;
-        if (EventGetData(event_, &data, &dataSize, 100) != GC_ERR_SUCCESS)
-            continue;
-        tally.Add(
-            BufferValue(stream_, data.buffer, BUFFER_INFO_BLOCK_ID),
-            BufferValue(stream_, data.buffer, BUFFER_INFO_STATUS) == RY_BUFFER_STATUS_COMPLETE,
-            BufferValue(stream_, data.buffer, BUFFER_INFO_SIZE_FILLED));
-        DSQueueBuffer(stream_, data.buffer);
+        NextFrame([&tally](uint64_t blockId, bool complete, uint64_t bytes) {
+            tally.Add(blockId, complete, bytes);
+        });
     }
     StreamFigures figures = tally.Figures();
     figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     figures.cpuSeconds = ProcessCpuSeconds() - cpuStart;
-    ExecuteCommand("AcquisitionStop");
-    DSStopAcquisition(stream_, ACQ_STOP_FLAGS_KILL);
+    StopStreaming();
     return figures;
 }
 

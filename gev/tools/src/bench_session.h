@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,8 +28,16 @@ class BenchSession {
     // Streams for `options.seconds`; nullopt when the stream cannot be set up.
     std::optional<StreamFigures> Stream(const BenchOptions& options);
 
+    // The steps of Stream for callers that count frames their own way. StartStreaming sets
+    // up the stream and starts the camera (false when the stream cannot be set up);
+    // NextFrame waits up to 100 ms for a filled buffer, hands its block id, completeness
+    // and filled size to `onFrame`, queues it again and says whether one came.
+    bool StartStreaming(const BenchOptions& options);
+    bool NextFrame(const std::function<void(uint64_t, bool, uint64_t)>& onFrame);
+    void StopStreaming();
+
   private:
-    bool FindAndOpenDevice(const std::string& address, std::string& error);
+    bool FindAndOpenDevice(const BenchOptions& options, std::string& error);
     bool ReadDescription(std::string& error);
     bool ExecuteCommand(const char* feature);
     uint64_t ReadFeature(const char* feature);
