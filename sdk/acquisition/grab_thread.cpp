@@ -111,7 +111,7 @@ class GrabLoop {
           stream_(session.stream),
           pixelFormat_(session) {}
 
-    int64_t Run() {
+    void Run() {
         RY_LOG_EVENT(kSite, kLogDebug, L"Start Grab Thread");
         TL().DSStartBufferGrabbing(stream_);
         TL().InitEvent(session_.newBufferEvent);
@@ -126,7 +126,6 @@ class GrabLoop {
             ++pass;
         }
         Finish();
-        return pass;
     }
 
   private:
@@ -170,7 +169,7 @@ class GrabLoop {
             return;
         }
         if (state_.grabbing.load() != 0) {
-            const IMAGE_INFO image = Describe(buffer, base);
+            const IMAGE_INFO image = Describe(buffer, base, status);
             const bool handedBack = Deliver(buffer, image);
             CheckLoss(image.blockId);
             if (!handedBack)
@@ -179,7 +178,7 @@ class GrabLoop {
         Requeue(buffer);
     }
 
-    IMAGE_INFO Describe(BUFFER_HANDLE buffer, void* base) {
+    IMAGE_INFO Describe(BUFFER_HANDLE buffer, void* base, uint64_t status) {
         IMAGE_INFO image{};
         image.pixelFormat = static_cast<PIXEL_FORMAT>(kMonoPixelFormat);
         size_t width = 0;
@@ -190,8 +189,6 @@ class GrabLoop {
         image.height = static_cast<uint32_t>(height);
         image.result = pixelFormat_.Read(buffer, image.pixelFormat);
         BufferInfo(stream_, buffer, BUFFER_INFO_TIMESTAMP, image.timestamp);
-        uint64_t status = 0;
-        BufferInfo(stream_, buffer, BUFFER_INFO_STATUS, status);
         image.bufferStatus = static_cast<uint32_t>(status);
         uint32_t flags = 0;
         BufferInfo(stream_, buffer, BUFFER_INFO_FRAME_FLAG, flags, 4);
@@ -288,13 +285,11 @@ class GrabLoop {
 
 }  // namespace
 
-int64_t RunGrabLoop(const GrabSession& session) {
-    int64_t passes = 0;
+void RunGrabLoop(const GrabSession& session) {
     RY_GUARDED(kSite, [&] {
-        passes = GrabLoop(session).Run();
+        GrabLoop(session).Run();
         return RESULT_SUCCESS;
     });
-    return passes;
 }
 
 RESULT ExecuteAcquisitionStop(camera::DeviceNodeMap* nodeMap) {

@@ -34,8 +34,8 @@ struct GrabSession {
 };
 
 // The grab loop: waits for filled buffers, hands each frame on and queues the buffer again;
-// stops the camera's acquisition when it ends. Returns the passes it ran.
-int64_t RunGrabLoop(const GrabSession& session);
+// stops the camera's acquisition when it ends.
+void RunGrabLoop(const GrabSession& session);
 
 // The callback thread's loop: while grabbing, delivers the newest frame the grab thread left
 // in the slot, copied into the copy buffer.
