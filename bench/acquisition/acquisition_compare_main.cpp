@@ -16,7 +16,8 @@
 // It discovers, so it runs in a private network namespace:
 //   bash scripts/in-private-net.sh build/bin/ry-acquisition-compare [--seconds=S]
 // Other options: --packet-size=N (9000), --buffers=N (32, for every receiver), --receiver=TEXT
-// (only the receivers whose name holds TEXT, e.g. "ours" under a profiler).
+// (only the receivers whose name holds TEXT, e.g. "ours" under a profiler), --rate=TEXT (only
+// the cameras whose label holds TEXT, e.g. "640x480").
 #include <unistd.h>
 
 #include <chrono>
@@ -43,7 +44,7 @@ constexpr auto kSetUpAllowance = std::chrono::seconds(30);
 constexpr const char* kAddress = "127.0.0.2";
 constexpr const char* kUsage =
     "usage: ry-acquisition-compare [--seconds=S] [--packet-size=N] [--buffers=N] "
-    "[--receiver=TEXT]\n";
+    "[--receiver=TEXT] [--rate=TEXT]\n";
 
 struct Options {
     double seconds = 3;
@@ -52,6 +53,7 @@ struct Options {
     // may keep a thread waiting.
     uint32_t buffers = 32;
     std::string receiver;  // only the receivers whose name holds this text (for profiling)
+    std::string rate;      // only the cameras whose label holds this text
 };
 
 struct Rate {
@@ -102,6 +104,8 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
             options.buffers = static_cast<uint32_t>(value);
         else if (std::strncmp(argv[i], "--receiver=", 11) == 0)
             options.receiver = argv[i] + 11;
+        else if (std::strncmp(argv[i], "--rate=", 7) == 0)
+            options.rate = argv[i] + 7;
         else
             return std::nullopt;
     }
@@ -235,7 +239,8 @@ int main(int argc, char** argv) {
         const auto receivers = Receivers(*options);
         std::vector<Row> rows;
         for (const Rate& rate : kRates)
-            MeasureRate(rate, receivers, *options, *board, rows);
+            if (std::string(rate.label).find(options->rate) != std::string::npos)
+                MeasureRate(rate, receivers, *options, *board, rows);
         PrintTable(rows, *options, load);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "ry-acquisition-compare: %s\n", error.what());
