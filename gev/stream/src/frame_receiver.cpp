@@ -5,7 +5,6 @@
 #include <sys/prctl.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <mutex>
 #include <thread>
@@ -15,6 +14,7 @@
 #include "frame_assembler.h"
 #include "packet_ring.h"
 #include "receive_batch.h"
+#include "ring_sleep.h"
 #include "shared_counters.h"
 
 namespace ry::gev::stream {
@@ -35,9 +35,6 @@ constexpr unsigned long kTimerSlackNs = 10'000;
 constexpr size_t kRingBatch = 256;
 constexpr uint32_t kWakeEveryNthPacket = 128;
 constexpr uint32_t kWakeBeforeTheEnd = 8;
-// Wake-up datagrams read per call; the filter cuts each to a few bytes.
-constexpr size_t kWakeBatch = 16;
-constexpr size_t kWakeBytes = 64;
 
 class FrameReceiverImpl final : public FrameReceiver {
   public:
@@ -49,13 +46,7 @@ class FrameReceiverImpl final : public FrameReceiver {
           callbacks_(std::move(callbacks)),
           socket_(std::move(socket)),
           ring_(std::move(ring)),
-          assembler_(callbacks_, counters_) {
-        for (size_t i = 0; i < kWakeBatch; ++i) {
-            wakeVectors_[i] = {wakeBytes_[i].data(), kWakeBytes};
-            wakeHeaders_[i].msg_hdr.msg_iov = &wakeVectors_[i];
-            wakeHeaders_[i].msg_hdr.msg_iovlen = 1;
-        }
-    }
+          assembler_(callbacks_, counters_) {}
 
     ~FrameReceiverImpl() override { Stop(true, nullptr); }
 
@@ -97,7 +88,6 @@ class FrameReceiverImpl final : public FrameReceiver {
     void HandleBatch();
     size_t BatchSizeWanted();
     size_t HandleRing(size_t max);
-    void DrainSocket();
 
     const ReceiverEndpoint endpoint_;
     mutable std::mutex settingsMutex_;
@@ -106,16 +96,14 @@ class FrameReceiverImpl final : public FrameReceiver {
     std::atomic<uint64_t> settingsGeneration_{1};
     const ReceiverCallbacks callbacks_;
     detail::DatagramSocket socket_;
-    detail::PacketRing ring_;  // invalid on the socket path
+    detail::PacketRing ring_;      // invalid on the socket path
+    detail::RingSleep ringSleep_;  // the ring path's, opened at each start
     detail::SharedCounters counters_;
     detail::FrameAssembler assembler_;
     detail::ReceiveBatch batch_;
     std::vector<detail::PlacementHint> hints_ =
         std::vector<detail::PlacementHint>(batch_.HintCapacity());
     size_t hintCount_ = 0;
-    std::array<std::array<uint8_t, kWakeBytes>, kWakeBatch> wakeBytes_{};
-    std::array<iovec, kWakeBatch> wakeVectors_{};
-    std::array<mmsghdr, kWakeBatch> wakeHeaders_{};
     detail::WakeEvent wake_;
     std::atomic<bool> stopRequested_{false};
     std::atomic<bool> running_{false};
@@ -167,13 +155,6 @@ bool FrameReceiverImpl::RebindForSettings() {
     return OpenPath(wanted, port, sameAsBefore, socket_, ring_, nullptr);
 }
 
-// Empties the stream socket of the ring path, whose datagrams only woke the thread.
-void FrameReceiverImpl::DrainSocket() {
-    while (::recvmmsg(socket_.Fd(), wakeHeaders_.data(), kWakeBatch, MSG_DONTWAIT, nullptr) ==
-           static_cast<int>(kWakeBatch)) {
-    }
-}
-
 bool FrameReceiverImpl::Start() {
     std::lock_guard lock(lifecycleMutex_);
     if (thread_.joinable()) {
@@ -186,6 +167,13 @@ bool FrameReceiverImpl::Start() {
     }
     if (!wake_.Valid() || !RebindForSettings()) {
         return false;
+    }
+    if (ring_.Valid()) {
+        ringSleep_ =
+            detail::RingSleep::Open(socket_.Fd(), wake_.Fd(), socket_.ReceiveBufferBytes());
+        if (!ringSleep_.Valid()) {
+            return false;
+        }
     }
     assembler_.Reset();
     wake_.Drain();
@@ -347,10 +335,9 @@ void FrameReceiverImpl::RingLoop() {
         if (handled == kRingBatch) {
             continue;
         }
-        if (!WaitForPackets(assembler_.MillisecondsToNextDeadline(now, kIdlePollMs))) {
+        if (!ringSleep_.Wait(assembler_.MillisecondsToNextDeadline(now, kIdlePollMs))) {
             break;
         }
-        DrainSocket();
     }
     assembler_.Publish();
 }

@@ -246,6 +246,7 @@ bool AttachWakeFilter(int udpFd, uint32_t everyNth, uint32_t nearEndId) {
         Jump(BPF_JMP | BPF_JA, 1, 0, 0),
         Statement(BPF_LD | BPF_W | BPF_ABS, kExtendedPacketId),
         Statement(BPF_ALU | BPF_AND | BPF_K, 0x00FFFFFF),
+        Jump(BPF_JMP | BPF_JEQ | BPF_K, 0, kDrop, 0),  // a leader has nothing yet to copy
         Jump(BPF_JMP | BPF_JEQ | BPF_K, nearEndId, kAccept, 0),
         Statement(BPF_ALU | BPF_AND | BPF_K, idMask),
         Jump(BPF_JMP | BPF_JEQ | BPF_K, 0, kAccept, kDrop),
