@@ -16,16 +16,26 @@ void EventChannel::Enqueue(const EventRecord& record) {
 }
 
 void EventChannel::Notify() {
-    ready_.notify_one();
+    changed_.Bump();
 }
 
 GC_ERROR EventChannel::Wait(void* buffer, size_t* size, uint64_t timeoutMs) {
+    // Longer than any wait anyone means, and far from the clock's overflow.
+    constexpr uint64_t kLongestTimedWaitMs = uint64_t{1} << 40;
+    WakeWord::Deadline deadline;
+    if (timeoutMs != RY_EVENT_WAIT_FOREVER && timeoutMs != GENTL_INFINITE &&
+        timeoutMs < kLongestTimedWaitMs) {
+        deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    }
     std::unique_lock lock(mutex_);
-    const auto ready = [this] { return killPending_ || !records_.empty(); };
-    if (timeoutMs == RY_EVENT_WAIT_FOREVER || timeoutMs == GENTL_INFINITE) {
-        ready_.wait(lock, ready);
-    } else if (!ready_.wait_for(lock, std::chrono::milliseconds(timeoutMs), ready)) {
-        return GC_ERR_TIMEOUT;
+    while (!ReadyLocked()) {
+        const uint32_t seen = changed_.Value();
+        lock.unlock();
+        const bool inTime = changed_.SleepWhile(seen, deadline);
+        lock.lock();
+        if (!inTime && !ReadyLocked()) {
+            return GC_ERR_TIMEOUT;
+        }
     }
     if (killPending_) {
         killPending_ = false;
@@ -47,7 +57,7 @@ void EventChannel::Kill() {
         std::lock_guard lock(mutex_);
         killPending_ = true;
     }
-    ready_.notify_all();
+    changed_.BumpAll();
 }
 
 void EventChannel::ClearKill() {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <cstdint>
 #include <cstring>
 #include <deque>
@@ -11,6 +10,7 @@
 #include <mutex>
 
 #include "RyGenTL.h"
+#include "wake_word.h"
 
 namespace ry::gentl {
 
@@ -48,10 +48,12 @@ class EventChannel {
     size_t Pending() const;
 
   private:
-    mutable std::mutex mutex_;
-    std::condition_variable ready_;
+    bool ReadyLocked() const { return killPending_ || !records_.empty(); }
+
+    mutable std::mutex mutex_;  // guards the records and the kill; never held while asleep
     std::deque<EventRecord> records_;
     bool killPending_ = false;
+    WakeWord changed_;  // bumped after each record or kill
 };
 
 }  // namespace ry::gentl

@@ -53,6 +53,51 @@ TEST(EventChannelTest, KillReleasesAWaitWithoutLimit) {
     }
 }
 
+// Records handed over one at a time to a waiter that sleeps between them, from a producer
+// that adds each in two steps as the stream does: a lost wake-up leaves a record waiting and
+// the waiter's time-out shows it.
+TEST(EventChannelTest, EveryRecordWakesItsWaiterWhateverTheInterleaving) {
+    constexpr uint64_t kRecords = 20000;
+    EventChannel channel;
+    auto consumer = std::async(std::launch::async, [&] {
+        for (uint64_t expected = 0; expected < kRecords; ++expected) {
+            uint64_t value = 0;
+            size_t size = sizeof value;
+            const auto start = std::chrono::steady_clock::now();
+            // A wake-up lost shows as a wait that ran out its time and then found the record.
+            if (channel.Wait(&value, &size, 2000) != GC_ERR_SUCCESS || value != expected ||
+                std::chrono::steady_clock::now() - start > std::chrono::milliseconds(1900))
+                return expected;
+        }
+        return kRecords;
+    });
+    for (uint64_t i = 0; i < kRecords; ++i) {
+        channel.Enqueue(EventRecord::Of(i));
+        if (i % 3 == 0)
+            std::this_thread::yield();
+        channel.Notify();
+        // Let the waiter fall asleep now and then, so both orders of wait and notify happen.
+        while (i % 64 == 0 && channel.Pending() != 0 &&
+               consumer.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+            std::this_thread::yield();
+    }
+    EXPECT_EQ(consumer.get(), kRecords);
+}
+
+TEST(EventChannelTest, ANotifyWithoutARecordDoesNotEndATimedWait) {
+    EventChannel channel;
+    auto waiter = std::async(std::launch::async, [&] {
+        uint64_t value = 0;
+        size_t size = sizeof value;
+        return channel.Wait(&value, &size, 100);
+    });
+    for (int i = 0; i < 10; ++i) {
+        channel.Notify();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    EXPECT_EQ(waiter.get(), GC_ERR_TIMEOUT);
+}
+
 TEST(EventChannelTest, ClearKillForgetsAnUnclaimedKill) {
     EventChannel channel;
     channel.Kill();
