@@ -8,7 +8,7 @@
 //   aravis udp            ArvStream's callback, its plain UDP socket
 // Columns: GB/s and frames that reached the callback after a 1 s warm-up, frames lost
 // (block ids never delivered) and incomplete, CPU seconds per GB of the receiving process,
-// of the sender (this process) and of the whole machine (/proc/stat: every CPU, other
+// of the sender (this process) and of the whole machine (time not idle on every CPU, other
 // users of the machine included), and the time from the emulator's trailer send returning
 // to the callback (median, p99; a callback that ran before the send returned counts 0).
 // Our rows add the SDK's own counters, which run from OpenCamera on (warm-up included).

@@ -13,7 +13,7 @@ struct CpuReading {
     std::chrono::steady_clock::time_point at;
     double process = 0;  // this process, all threads (RUSAGE_SELF)
     double sender = 0;   // the parent process
-    double machine = 0;  // user, nice, system, irq and softirq of every CPU
+    double machine = 0;  // every CPU's time not idle
 };
 
 struct CpuSpent {

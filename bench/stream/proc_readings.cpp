@@ -43,11 +43,15 @@ double ProcessCpuSecondsOf(pid_t pid) {
 }
 
 MachineCpu ReadMachineCpu() {
+    std::ifstream uptimeFile("/proc/uptime");
     std::ifstream stat("/proc/stat");
+    double uptime = 0;
+    uptimeFile >> uptime;
     std::string label;
     unsigned long long user = 0, nice = 0, system = 0, idle = 0, iowait = 0, irq = 0, softirq = 0;
     stat >> label >> user >> nice >> system >> idle >> iowait >> irq >> softirq;
-    return {TicksToSeconds(user + nice + system + irq + softirq), TicksToSeconds(softirq)};
+    const double cpus = static_cast<double>(::sysconf(_SC_NPROCESSORS_ONLN));
+    return {cpus * uptime - TicksToSeconds(idle + iowait), TicksToSeconds(softirq)};
 }
 
 int OwnedPacketSockets() {

@@ -15,10 +15,14 @@ std::vector<std::string> ProcessStatFields(pid_t pid);
 // User and system CPU seconds of a process so far; 0 when it cannot be read.
 double ProcessCpuSecondsOf(pid_t pid);
 
-// CPU seconds of every CPU so far, from the first line of /proc/stat.
+// CPU seconds of every CPU so far, from /proc/uptime and the first line of /proc/stat.
 struct MachineCpu {
-    double busy = 0;     // user, nice, system, irq and softirq
-    double softirq = 0;  // soft interrupts alone
+    // Time not idle: every CPU's time since boot less its idle and I/O-wait time. The kernel
+    // measures idle time exactly, while user, system and soft-interrupt time are sampled at
+    // each tick; on a virtual machine their sum drifted from the truth by a quarter and more
+    // within a few seconds.
+    double busy = 0;
+    double softirq = 0;  // soft interrupts alone (sampled)
 };
 MachineCpu ReadMachineCpu();
 
