@@ -8,6 +8,7 @@
 #include <atomic>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "datagram_socket.h"
@@ -321,9 +322,11 @@ size_t FrameReceiverImpl::HandleRing(size_t max) {
 void FrameReceiverImpl::RingLoop() {
     uint64_t seenGeneration = 0;
     uint32_t wakeFilterEnd = 0;
+    size_t handledSinceSleep = 0;
     while (!stopRequested_.load(std::memory_order_acquire)) {
         ReloadSettingsIfChanged(seenGeneration);
         const size_t handled = HandleRing(kRingBatch);
+        handledSinceSleep += handled;
         const auto now = Clock::now();
         assembler_.Service(now);
         assembler_.Publish();
@@ -335,7 +338,8 @@ void FrameReceiverImpl::RingLoop() {
         if (handled == kRingBatch) {
             continue;
         }
-        if (!ringSleep_.Wait(assembler_.MillisecondsToNextDeadline(now, kIdlePollMs))) {
+        if (!ringSleep_.Wait(assembler_.MillisecondsToNextDeadline(now, kIdlePollMs),
+                             std::exchange(handledSinceSleep, 0))) {
             break;
         }
     }

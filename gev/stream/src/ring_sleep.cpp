@@ -13,9 +13,10 @@ namespace {
 // payload, not the kernel's allocation behind it, which for a jumbo frame is up to 16 KiB
 // and a little more.
 constexpr size_t kQueuedDatagramBytes = 20 * 1024;
-constexpr size_t kMostWakesBetweenEmptying = 32;
-// Bounds one emptying under a flood that passes the filter; what is left waits for the next.
-constexpr size_t kMostBatchesPerEmptying = 32;
+constexpr size_t kReadsPerCall = 32;
+// A read of the whole socket at the most; what a flood leaves waits for the next emptying.
+constexpr size_t kMostReadCalls = 32;
+constexpr size_t kMostPacketsBetweenEmptying = kReadsPerCall * kMostReadCalls;
 
 bool Watch(int epoll, int fd, uint32_t events) {
     epoll_event event{};
@@ -36,13 +37,18 @@ RingSleep RingSleep::Open(int socketFd, int stopFd, size_t socketBufferBytes) {
     sleep.epoll_ = std::move(epoll);
     sleep.socketFd_ = socketFd;
     sleep.stopFd_ = stopFd;
-    // Half the buffer at most, so that a burst of trailers on a slow thread still fits.
-    sleep.wakesBetweenEmptying_ = std::clamp<size_t>(socketBufferBytes / kQueuedDatagramBytes / 2,
-                                                     1, kMostWakesBetweenEmptying);
+    // Half the buffer at most.
+    sleep.packetsBetweenEmptying_ = std::clamp<size_t>(socketBufferBytes / kQueuedDatagramBytes / 2,
+                                                       1, kMostPacketsBetweenEmptying);
     return sleep;
 }
 
-bool RingSleep::Wait(int timeoutMs) {
+bool RingSleep::Wait(int timeoutMs, size_t packetsHandled) {
+    packetsSinceEmptying_ += packetsHandled;
+    if (packetsSinceEmptying_ >= packetsBetweenEmptying_) {
+        EmptySocket();
+        return true;
+    }
     std::array<epoll_event, 2> events{};
     const int ready = ::epoll_wait(epoll_.Get(), events.data(), events.size(), timeoutMs);
     for (int i = 0; i < ready; ++i) {
@@ -50,26 +56,20 @@ bool RingSleep::Wait(int timeoutMs) {
             return false;
         }
     }
-    if (ready > 0) {
-        EmptySocketWhenDue();
-    }
     return true;
 }
 
 // The datagrams only woke the thread; reading each as it came would cost a system call per
 // wake-up. They are read in batches into one scratch area, as none is looked at.
-void RingSleep::EmptySocketWhenDue() {
-    if (++wakesSinceEmptying_ < wakesBetweenEmptying_) {
-        return;
-    }
-    wakesSinceEmptying_ = 0;
+void RingSleep::EmptySocket() {
+    packetsSinceEmptying_ = 0;
     iovec scratch{scratch_.data(), scratch_.size()};
-    std::array<mmsghdr, kMostWakesBetweenEmptying> headers{};
+    std::array<mmsghdr, kReadsPerCall> headers{};
     for (mmsghdr& header : headers) {
         header.msg_hdr.msg_iov = &scratch;
         header.msg_hdr.msg_iovlen = 1;
     }
-    for (size_t i = 0; i < kMostBatchesPerEmptying; ++i) {
+    for (size_t i = 0; i < kMostReadCalls; ++i) {
         const int read =
             ::recvmmsg(socketFd_, headers.data(), headers.size(), MSG_DONTWAIT, nullptr);
         if (read < static_cast<int>(headers.size())) {

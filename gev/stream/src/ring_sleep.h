@@ -21,19 +21,25 @@ class RingSleep {
     bool Valid() const { return epoll_.Valid(); }
 
     // Sleeps until a wake-up datagram lands, the stop event fires or `timeoutMs` passes
-    // (negative: no limit). False when the stop event fired.
-    bool Wait(int timeoutMs);
+    // (negative: no limit). `packetsHandled` is how many ring packets the thread took since
+    // it last slept: each may have left a wake-up datagram queued. When they are due to be
+    // read off, Wait reads them and returns without sleeping, since one of them may be the
+    // wake-up for a packet the thread has not yet taken: it looks at the ring again first.
+    // False when the stop event fired.
+    bool Wait(int timeoutMs, size_t packetsHandled);
 
   private:
-    void EmptySocketWhenDue();
+    void EmptySocket();
 
     UniqueFd epoll_;
     int socketFd_ = -1;
     int stopFd_ = -1;
-    // Wake-up datagrams stay queued until this many have woken the thread; then the socket is
-    // emptied in one go. Sized so that they never fill the socket's buffer.
-    size_t wakesBetweenEmptying_ = 1;
-    size_t wakesSinceEmptying_ = 0;
+    // The wake-up datagrams stay queued until the packets handled since the socket was last
+    // emptied could have left this many; then it is emptied in one go. Every wake-up datagram
+    // is also a packet in the ring, so the count bounds them, and the socket's buffer never
+    // fills: a full one would drop the next wake-up and leave the thread asleep.
+    size_t packetsBetweenEmptying_ = 1;
+    size_t packetsSinceEmptying_ = 0;
     std::array<uint8_t, 64> scratch_{};
 };
 
