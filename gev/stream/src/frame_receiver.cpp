@@ -316,9 +316,8 @@ size_t FrameReceiverImpl::HandleRing(size_t max) {
 
 // Reads ready ring slots without a system call and sleeps on the stream socket, which its
 // filter wakes about once per kWakeEveryNthPacket packets, shortly before a frame's usual end
-// and at every trailer. Packets that
-// land after the last look wait for the next wake-up, the next deadline of a frame (resend,
-// time-out) or at most kIdlePollMs.
+// and at every trailer. Packets that land after the last look wait for the next wake-up, the
+// next deadline of a frame (resend, time-out) or at most kIdlePollMs.
 void FrameReceiverImpl::RingLoop() {
     uint64_t seenGeneration = 0;
     uint32_t wakeFilterEnd = 0;

@@ -56,6 +56,11 @@ bool RingSleep::Wait(int timeoutMs, size_t packetsHandled) {
             return false;
         }
     }
+    if (ready == 0) {
+        // Nothing woke it: should the socket have filled while the ring overflowed (the
+        // wake-ups of packets the ring dropped are not counted), it is emptied here.
+        EmptySocket();
+    }
     return true;
 }
 
