@@ -216,10 +216,7 @@ Latency MatchLatency(const DeliveryLog& log, const TrailerClock& clock) {
 
 CpuSample SampleCpu(pid_t emulator) {
     CpuSample sample;
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
-    sample.process = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    sample.process = ry::gev::tools::ProcessCpuSeconds();
     sample.emulator = ProcessCpuSecondsOf(emulator);
     sample.softirq = ReadMachineCpu().softirq;
     return sample;

@@ -5,6 +5,7 @@
 using RYSDK::RyCamera;
 using RYSDK::flat::As;
 using RYSDK::flat::OnCamera;
+using RYSDK::flat::ReadSwitch;
 
 // Goes through the process-wide system object, which finds the camera among its interfaces.
 // The camera is freed whatever the result, so its handle is forgotten first.
@@ -35,22 +36,6 @@ extern "C" RYSDK_API ::RESULT CameraGetInterfaceHandle(RYCAMERA_HANDLE handle,
         return result;
     });
 }
-
-namespace {
-
-// The switches are bool in the class and int32_t in C.
-template <typename Get>
-RYSDK::RESULT ReadSwitch(int32_t* enabled, Get&& get) {
-    if (enabled == nullptr)
-        return RYSDK::RESULT_ERROR_INVALID_PARAMETER;
-    bool value = false;
-    const RYSDK::RESULT result = get(&value);
-    if (result == RYSDK::RESULT_SUCCESS)
-        *enabled = value ? 1 : 0;
-    return result;
-}
-
-}  // namespace
 
 extern "C" RYSDK_API ::RESULT CameraGigEGetCurrentIpConfigurationDHCP(RYCAMERA_HANDLE handle,
                                                                       int32_t* enabled) {

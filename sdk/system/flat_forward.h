@@ -89,32 +89,51 @@ template <typename Body>
 
 namespace RYSDK::flat {
 
-// Runs `open` (which fills a RyCamera**) and hands the camera out: recorded in the table and
+inline void Keep(RyInterface* adapter) {
+    KeepInterface(adapter);
+}
+inline void Keep(RyCamera* camera) {
+    KeepCamera(camera);
+}
+
+// Runs `open` (which fills an Object**) and hands the object out: recorded in the table and
 // stored through `out` whenever the method gives one back, which includes a camera whose
 // description could not be loaded.
-template <typename Open>
-RESULT HandOutCamera(RYCAMERA_HANDLE* out, Open&& open) {
+template <typename Object, typename Handle, typename Open>
+RESULT HandOut(Handle* out, Open&& open) {
     if (out == nullptr)
         return RESULT_ERROR_INVALID_PARAMETER;
-    RyCamera* camera = nullptr;
-    const RESULT result = open(&camera);
-    if (camera != nullptr) {
-        KeepCamera(camera);
-        *out = ToHandle(camera);
+    Object* made = nullptr;
+    const RESULT result = open(&made);
+    if (made != nullptr) {
+        Keep(made);
+        *out = ToHandle(made);
     }
     return result;
 }
 
-template <typename Open>
-RESULT HandOutInterface(RYINTERFACE_HANDLE* out, Open&& open) {
-    if (out == nullptr)
+// Opens a camera through the system or an interface (`key`: its index or name) with the C
+// arguments, whose callbacks take the C records.
+template <typename Owner, typename Key>
+RESULT OpenCameraOf(Owner& owner, Key key, RYCAMERA_HANDLE* out, uint32_t buffers, uint32_t width,
+                    uint32_t height, uint32_t packetSize, void* object, ::pImageCallbackFn image,
+                    ::pDisconnectCallbackFn disconnect) {
+    return HandOut<RyCamera>(out, [&](RyCamera** opened) {
+        return owner.OpenCamera(key, opened, buffers, width, height, packetSize, object,
+                                Callback(image), Callback(disconnect));
+    });
+}
+
+// The switches are bool in the classes and int32_t in C; `enabled` is written only on
+// success.
+template <typename Get>
+RESULT ReadSwitch(int32_t* enabled, Get&& get) {
+    if (enabled == nullptr)
         return RESULT_ERROR_INVALID_PARAMETER;
-    RyInterface* adapter = nullptr;
-    const RESULT result = open(&adapter);
-    if (adapter != nullptr) {
-        KeepInterface(adapter);
-        *out = ToHandle(adapter);
-    }
+    bool value = false;
+    const RESULT result = get(&value);
+    if (result == RESULT_SUCCESS)
+        *enabled = value ? 1 : 0;
     return result;
 }
 

@@ -3,8 +3,8 @@
 #include "system/system_log.h"
 
 using RYSDK::RyInterface;
-using RYSDK::flat::HandOutCamera;
 using RYSDK::flat::OnInterface;
+using RYSDK::flat::OpenCameraOf;
 
 // The user record comes second here, whereas the method takes it after the packet size.
 extern "C" RYSDK_API ::RESULT InterfaceOpenCameraByIndex(RYINTERFACE_HANDLE handle, void* object,
@@ -15,11 +15,8 @@ extern "C" RYSDK_API ::RESULT InterfaceOpenCameraByIndex(RYINTERFACE_HANDLE hand
                                                          pDisconnectCallbackFn disconnectCallback) {
     RY_FLAT_SITE(InterfaceOpenCameraByIndex);
     return OnInterface(handle, kSite, [&](RyInterface& adapter) {
-        return HandOutCamera(camera, [&](RYSDK::RyCamera** opened) {
-            return adapter.OpenCamera(index, opened, nNumBuffer, nWidth, nHeight, nPacketSize,
-                                      object, RYSDK::flat::Callback(imageCallback),
-                                      RYSDK::flat::Callback(disconnectCallback));
-        });
+        return OpenCameraOf(adapter, index, camera, nNumBuffer, nWidth, nHeight, nPacketSize,
+                            object, imageCallback, disconnectCallback);
     });
 }
 
@@ -31,11 +28,8 @@ extern "C" RYSDK_API ::RESULT InterfaceOpenCameraByName(RYINTERFACE_HANDLE handl
                                                         pDisconnectCallbackFn disconnectCallback) {
     RY_FLAT_SITE(InterfaceOpenCameraByName);
     return OnInterface(handle, kSite, [&](RyInterface& adapter) {
-        return HandOutCamera(camera, [&](RYSDK::RyCamera** opened) {
-            return adapter.OpenCamera(name, opened, nNumBuffer, nWidth, nHeight, nPacketSize,
-                                      object, RYSDK::flat::Callback(imageCallback),
-                                      RYSDK::flat::Callback(disconnectCallback));
-        });
+        return OpenCameraOf(adapter, name, camera, nNumBuffer, nWidth, nHeight, nPacketSize, object,
+                            imageCallback, disconnectCallback);
     });
 }
 

@@ -4,9 +4,9 @@
 #include "system/flat_forward.h"
 
 using RYSDK::RyGigE;
-using RYSDK::flat::HandOutCamera;
-using RYSDK::flat::HandOutInterface;
+using RYSDK::flat::HandOut;
 using RYSDK::flat::OnSystem;
+using RYSDK::flat::OpenCameraOf;
 
 // A failing Open keeps the object as the process-wide one without handing it out, so every
 // later call gives RESULT_ERROR_OPENED_ALREADY until CloseRyGigE. That is deliberate.
@@ -74,12 +74,11 @@ extern "C" RYSDK_API ::RESULT RyDiscoveryCameraInfo(RYGIGE_HANDLE handle, uint32
     return OnSystem(handle, kSite, [&](RyGigE& system) {
         if (info == nullptr)
             return RYSDK::RESULT_ERROR_INVALID_PARAMETER;
-        RYSDK::RYCAMERA_INFO record;
-        if (system.GetCameraInfo(index, &record) != RYSDK::RESULT_SUCCESS)
-            return RYSDK::RESULT_ERROR_CANNOT_FIND_INTERFACE;
-        static_assert(sizeof(record) == sizeof(*info));
-        std::memcpy(info, &record, sizeof(*info));
-        return RYSDK::RESULT_SUCCESS;
+        // The record is written only when the camera is found.
+        return system.GetCameraInfo(index, RYSDK::flat::As<RYSDK::RYCAMERA_INFO>(info)) ==
+                       RYSDK::RESULT_SUCCESS
+                   ? RYSDK::RESULT_SUCCESS
+                   : RYSDK::RESULT_ERROR_CANNOT_FIND_INTERFACE;
     });
 }
 
@@ -91,11 +90,8 @@ extern "C" RYSDK_API ::RESULT RyOpenCameraByIndex(RYGIGE_HANDLE handle, uint32_t
                                                   pDisconnectCallbackFn disconnectCallback) {
     RY_FLAT_SITE(RyOpenCameraByIndex);
     return OnSystem(handle, kSite, [&](RyGigE& system) {
-        return HandOutCamera(camera, [&](RYSDK::RyCamera** opened) {
-            return system.OpenCamera(index, opened, nNumBuffer, nWidth, nHeight, nPacketSize,
-                                     object, RYSDK::flat::Callback(imageCallback),
-                                     RYSDK::flat::Callback(disconnectCallback));
-        });
+        return OpenCameraOf(system, index, camera, nNumBuffer, nWidth, nHeight, nPacketSize, object,
+                            imageCallback, disconnectCallback);
     });
 }
 
@@ -107,11 +103,8 @@ extern "C" RYSDK_API ::RESULT RyOpenCameraByName(RYGIGE_HANDLE handle, const cha
                                                  pDisconnectCallbackFn disconnectCallback) {
     RY_FLAT_SITE(RyOpenCameraByName);
     return OnSystem(handle, kSite, [&](RyGigE& system) {
-        return HandOutCamera(camera, [&](RYSDK::RyCamera** opened) {
-            return system.OpenCamera(name, opened, nNumBuffer, nWidth, nHeight, nPacketSize, object,
-                                     RYSDK::flat::Callback(imageCallback),
-                                     RYSDK::flat::Callback(disconnectCallback));
-        });
+        return OpenCameraOf(system, name, camera, nNumBuffer, nWidth, nHeight, nPacketSize, object,
+                            imageCallback, disconnectCallback);
     });
 }
 
@@ -119,7 +112,7 @@ extern "C" RYSDK_API ::RESULT RyOpenInterfaceByIndex(RYGIGE_HANDLE handle, uint3
                                                      RYINTERFACE_HANDLE* adapter) {
     RY_FLAT_SITE(RyOpenInterfaceByIndex);
     return OnSystem(handle, kSite, [&](RyGigE& system) {
-        return HandOutInterface(adapter, [&](RYSDK::RyInterface** opened) {
+        return HandOut<RYSDK::RyInterface>(adapter, [&](RYSDK::RyInterface** opened) {
             return system.OpenInterface(index, opened);
         });
     });
@@ -129,26 +122,20 @@ extern "C" RYSDK_API ::RESULT RyOpenInterfaceByName(RYGIGE_HANDLE handle, const 
                                                     RYINTERFACE_HANDLE* adapter) {
     RY_FLAT_SITE(RyOpenInterfaceByName);
     return OnSystem(handle, kSite, [&](RyGigE& system) {
-        return HandOutInterface(adapter, [&](RYSDK::RyInterface** opened) {
+        return HandOut<RYSDK::RyInterface>(adapter, [&](RYSDK::RyInterface** opened) {
             return system.OpenInterface(name, opened);
         });
     });
 }
 
-extern "C" RYSDK_API ::RESULT RySetIgnoreSubnet(RYGIGE_HANDLE handle, int32_t ignore) {
-    RY_FLAT_SITE(RySetIgnoreSubnet);
-    return OnSystem(handle, kSite, [&](RyGigE& system) { return system.SetIgnoreSubnet(ignore); });
-}
+RY_FLAT_FORWARD(System, RySetIgnoreSubnet, (RYGIGE_HANDLE handle, int32_t ignore),
+                SetIgnoreSubnet(ignore))
 
 extern "C" RYSDK_API ::RESULT RyGetIgnoreSubnet(RYGIGE_HANDLE handle, int32_t* ignore) {
     RY_FLAT_SITE(RyGetIgnoreSubnet);
     return OnSystem(handle, kSite, [&](RyGigE& system) {
-        if (ignore == nullptr)
-            return RYSDK::RESULT_ERROR_INVALID_PARAMETER;
-        bool value = false;
-        const RYSDK::RESULT result = system.GetIgnoreSubnet(value);
-        *ignore = value ? 1 : 0;
-        return result;
+        return RYSDK::flat::ReadSwitch(ignore,
+                                       [&](bool* value) { return system.GetIgnoreSubnet(*value); });
     });
 }
 

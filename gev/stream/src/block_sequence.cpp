@@ -11,7 +11,7 @@ constexpr size_t kLargestDatagram = 65536;
 
 // The id after `blockId`: 16-bit ids wrap from 65535 to 1.
 uint64_t Successor(uint64_t blockId, bool extendedIds) {
-    return extendedIds ? blockId + 1 : blockId % kStandardBlockIdSpan + 1;
+    return extendedIds ? blockId + 1 : ry::gev::next_block_id16(static_cast<uint16_t>(blockId));
 }
 
 }  // namespace
@@ -81,42 +81,31 @@ void BlockSequence::Keep(const GvspPacket& packet, Verdict verdict) {
     if (headerBytes + packet.dataSize > kept_.size()) {
         return;
     }
-    // The header is rebuilt from the fields the engine reads; the data may sit elsewhere.
-    uint8_t* out = kept_.data();
-    std::memset(out, 0, headerBytes);
-    ry::gev::store_be16(out, packet.status);
-    if (packet.extendedId) {
-        out[4] = static_cast<uint8_t>(kExtendedIdBit | packet.format);
-        ry::gev::store_be64(out + 8, packet.blockId);
-        ry::gev::store_be32(out + 16, packet.packetId);
-    } else {
-        ry::gev::store_be16(out + 2, static_cast<uint16_t>(packet.blockId));
-        ry::gev::store_be32(out + 4, packet.packetId & 0x00FFFFFFu);
-        out[4] = packet.format;
-    }
+    // The data may sit in a receive slot that is reused before the run proves itself.
     if (packet.dataSize != 0) {
-        std::memcpy(out + headerBytes, packet.data, packet.dataSize);
+        std::memmove(kept_.data(), packet.data, packet.dataSize);
     }
-    keptBytes_ = headerBytes + packet.dataSize;
-    keptBlock_ = packet.blockId;
+    keptPacket_ = packet;
+    keptPacket_.data = kept_.data();
+    haveKept_ = true;
     keptVerdict_ = verdict;
 }
 
 void BlockSequence::DropKept() {
-    if (keptBytes_ != 0) {
+    if (haveKept_) {
         dropped_ = keptVerdict_;
-        keptBytes_ = 0;
+        haveKept_ = false;
     }
 }
 
 bool BlockSequence::TakeKept(uint64_t blockId, GvspPacket& out) {
-    if (keptBytes_ == 0 || keptBlock_ != blockId) {
+    if (!haveKept_ || keptPacket_.blockId != blockId) {
         DropKept();
         return false;
     }
-    const bool decoded = DecodeGvspHeader(kept_.data(), keptBytes_, out);
-    keptBytes_ = 0;
-    return decoded;
+    out = keptPacket_;
+    haveKept_ = false;
+    return true;
 }
 
 BlockSequence::Verdict BlockSequence::TakeDropped() {

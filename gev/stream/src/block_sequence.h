@@ -62,9 +62,9 @@ class BlockSequence {
     uint64_t newest_ = 0;
     uint64_t runBlock_ = 0;  // newest block id of the run out of sequence
     uint32_t runPackets_ = 0;
-    std::vector<uint8_t> kept_;  // the first packet of the run: header then data
-    size_t keptBytes_ = 0;
-    uint64_t keptBlock_ = 0;
+    std::vector<uint8_t> kept_;  // the data of the first packet of the run
+    GvspPacket keptPacket_;      // its fields, its data pointing into kept_
+    bool haveKept_ = false;
     Verdict keptVerdict_ = Verdict::Newest;
     Verdict dropped_ = Verdict::Open;
 };

@@ -27,6 +27,7 @@ namespace {
 // holds 1792 to 7168 of them (16 to 64 MiB, from the endpoint's buffer size).
 constexpr size_t kSlotBytes = 9296;
 constexpr size_t kBlockBytes = 256 * 1024;
+constexpr size_t kSlotsPerBlock = kBlockBytes / kSlotBytes;
 constexpr size_t kMinRingBytes = 16u << 20;
 constexpr size_t kMaxRingBytes = 64u << 20;
 constexpr size_t kIpProtocolOffset = 9;
@@ -131,9 +132,6 @@ PacketRing& PacketRing::operator=(PacketRing&& other) noexcept {
         fd_ = std::move(other.fd_);
         map_ = std::exchange(other.map_, nullptr);
         mapBytes_ = std::exchange(other.mapBytes_, 0);
-        slotBytes_ = other.slotBytes_;
-        slotsPerBlock_ = other.slotsPerBlock_;
-        blockBytes_ = other.blockBytes_;
         slots_ = std::exchange(other.slots_, 0);
         next_ = std::exchange(other.next_, 0);
     }
@@ -164,7 +162,7 @@ PacketRing PacketRing::Open(uint32_t localIp, uint16_t port, size_t ringBytes,
     request.tp_block_size = kBlockBytes;
     request.tp_block_nr = static_cast<unsigned>(bytes / kBlockBytes);
     request.tp_frame_size = kSlotBytes;
-    request.tp_frame_nr = static_cast<unsigned>(kBlockBytes / kSlotBytes) * request.tp_block_nr;
+    request.tp_frame_nr = static_cast<unsigned>(kSlotsPerBlock) * request.tp_block_nr;
     if (::setsockopt(fd.Get(), SOL_PACKET, PACKET_RX_RING, &request, sizeof request) != 0) {
         Fail(errorText, "cannot set up the packet ring");
         return ring;
@@ -185,16 +183,13 @@ PacketRing PacketRing::Open(uint32_t localIp, uint16_t port, size_t ringBytes,
         Fail(errorText, "cannot bind the packet socket");
         return ring;
     }
-    ring.slotBytes_ = kSlotBytes;
-    ring.blockBytes_ = kBlockBytes;
-    ring.slotsPerBlock_ = kBlockBytes / kSlotBytes;
     ring.slots_ = request.tp_frame_nr;
     ring.fd_ = std::move(fd);
     return ring;
 }
 
 uint8_t* PacketRing::Slot(size_t index) const {
-    return map_ + (index / slotsPerBlock_) * blockBytes_ + (index % slotsPerBlock_) * slotBytes_;
+    return map_ + (index / kSlotsPerBlock) * kBlockBytes + (index % kSlotsPerBlock) * kSlotBytes;
 }
 
 bool PacketRing::Peek(RingDatagram& out) {

@@ -61,9 +61,6 @@ class PacketRing {
     UniqueFd fd_;
     uint8_t* map_ = nullptr;
     size_t mapBytes_ = 0;
-    size_t slotBytes_ = 0;
-    size_t slotsPerBlock_ = 0;
-    size_t blockBytes_ = 0;
     size_t slots_ = 0;
     size_t next_ = 0;
 };
