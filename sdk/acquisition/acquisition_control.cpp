@@ -29,7 +29,6 @@ constexpr uint64_t kLegacyStopRegister = 0x88138;   // 0 stops
 constexpr uint64_t kLegacyFrameCountRegister = 0x8815C;
 constexpr uint32_t kLegacyContinuous = 1;
 constexpr uint32_t kLegacyMultiFrame = 2;
-constexpr int64_t kContinuousPasses = 0xFFFFFFFF;
 constexpr unsigned int kShortestTimeoutMs = 1000;
 constexpr uint32_t kWaitObject0 = 0;
 constexpr uint32_t kWaitTimeout = 0x102;
@@ -124,7 +123,7 @@ RESULT RyCamera::Grab() {
                                                        {kLegacyStartRegister, 1}});
             if (result != RESULT_SUCCESS)
                 return result;
-            shared.framesToGrab = kContinuousPasses;
+            shared.framesToGrab = acquisition::kContinuousPasses;
         } else {
             const RESULT result = StartContinuousByFeatures(shared, m_MonitorMode != 0, kSite);
             if (result != RESULT_SUCCESS)

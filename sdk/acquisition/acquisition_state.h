@@ -16,11 +16,15 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "core/platform/sync_event.h"
 #include "rysdk/RyCameraTypes.h"
 
 namespace RYSDK::acquisition {
+
+// The passes of a continuous acquisition: it has no end of its own.
+constexpr int64_t kContinuousPasses = 0xFFFFFFFF;
 
 // The newest frame handed from the grab thread to the callback thread or a poller.
 struct FrameSlot {
@@ -77,9 +81,14 @@ struct AcquisitionState {
 
     void* TakePendingBuffer() {
         const std::lock_guard<std::mutex> lock(slotMutex);
-        void* buffer = pendingBuffer;
-        pendingBuffer = nullptr;
-        return buffer;
+        return std::exchange(pendingBuffer, nullptr);
+    }
+
+    // The slot's frame and its buffer, which is no longer the slot's.
+    void* TakeNewest(FrameSlot& frame) {
+        const std::lock_guard<std::mutex> lock(slotMutex);
+        frame = slot;
+        return std::exchange(pendingBuffer, nullptr);
     }
 
     FrameSlot TakeImage() {

@@ -10,8 +10,6 @@
 
 namespace RYSDK::acquisition {
 
-using camera::TL;
-
 namespace {
 
 constexpr std::chrono::milliseconds kCallbackPoll{10};
@@ -22,18 +20,16 @@ thread_local const AcquisitionState* tDelivering = nullptr;
 // The bytes a frame of this geometry holds, as the buffer pool sizes its blocks.
 size_t FrameBytes(const IMAGE_INFO& image) {
     const uint32_t pixels = image.width * image.height;
-    const uint32_t bits = (static_cast<uint32_t>(image.pixelFormat) >> 16) & 0xFF;
+    const uint32_t bits = PixelFormatBits(static_cast<uint32_t>(image.pixelFormat));
     return static_cast<size_t>(static_cast<double>(pixels) * bits * 0.125);
 }
 
 // Copies the slot's frame into the copy buffer and takes its buffer; false when the slot
 // holds nothing new.
+// Once taken, the buffer is this thread's alone, so the copy runs without the slot's lock,
+// which the grab thread takes for every frame.
 bool CopyNewest(const GrabSession& session, FrameSlot& frame, void*& buffer) {
-    AcquisitionState& state = *session.state;
-    const std::lock_guard<std::mutex> lock(state.slotMutex);
-    frame = state.slot;
-    buffer = state.pendingBuffer;
-    state.pendingBuffer = nullptr;
+    buffer = session.state->TakeNewest(frame);
     if (buffer == nullptr)
         return false;
     uint8_t* copy = session.copyBuffer.data.get();
@@ -79,8 +75,7 @@ void RunCallbackLoop(const GrabSession& session) {
             if (state.grabbing.load() == 0 || !CopyNewest(session, frame, buffer))
                 continue;
             // The pixels are in the copy now: the stream may have the buffer back.
-            if (!session.queueManager)
-                TL().DSQueueBuffer(session.stream, buffer);
+            RequeueUnlessManaged(session.queueManager, session.stream, buffer);
             const DeliveryScope delivering(state);
             session.imageCallback(&frame.object, &frame.image);
         }
@@ -91,8 +86,6 @@ void RunCallbackLoop(const GrabSession& session) {
 }  // namespace RYSDK::acquisition
 
 namespace RYSDK {
-
-using camera::TL;
 
 RESULT RyCamera::SetImageCallback(pImageCallbackFn callback) {
     m_Shared->imageCallback = callback;
@@ -110,9 +103,8 @@ RESULT RyCamera::GetGrabData(IMAGE_INFO* info) {
             return RESULT_ERROR_INVALID_PARAMETER;
         acquisition::AcquisitionState& state = *m_Shared->acquisition;
         // The frame handed out last time is given back to the stream now.
-        void* previous = state.TakePendingBuffer();
-        if (previous != nullptr && m_Shared->queueManager == 0 && m_Shared->stream != nullptr)
-            TL().DSQueueBuffer(m_Shared->stream, previous);
+        acquisition::RequeueUnlessManaged(m_Shared->queueManager != 0, m_Shared->stream,
+                                          state.TakePendingBuffer());
         state.grabRequest.Set();
         const bool done =
             m_AcquisitionTimeout == 0

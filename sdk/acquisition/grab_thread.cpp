@@ -21,22 +21,20 @@ using core::kLogInfo;
 
 namespace {
 
-constexpr uint32_t kMonoPixelFormat = 0x01080001;
-constexpr int64_t kContinuousPasses = 0xFFFFFFFF;
-
 RY_CAMERA_SITE(ThrGrabContinuosOpt);
 
 template <typename Value>
 GC_ERROR QueryBuffer(TransportHandle stream, BUFFER_HANDLE buffer, BUFFER_INFO_CMD command,
-                     Value& value, size_t size = sizeof(Value)) {
+                     Value& value) {
     INFO_DATATYPE type = 0;
+    size_t size = sizeof(Value);
     return TL().DSGetBufferInfo(stream, buffer, command, &type, &value, &size);
 }
 
 template <typename Value>
-bool BufferInfo(TransportHandle stream, BUFFER_HANDLE buffer, BUFFER_INFO_CMD command, Value& value,
-                size_t size = sizeof(Value)) {
-    return QueryBuffer(stream, buffer, command, value, size) == GC_ERR_SUCCESS;
+bool BufferInfo(TransportHandle stream, BUFFER_HANDLE buffer, BUFFER_INFO_CMD command,
+                Value& value) {
+    return QueryBuffer(stream, buffer, command, value) == GC_ERR_SUCCESS;
 }
 
 // The passes the camera's acquisition mode asks for; `stored` when the camera does not say.
@@ -84,7 +82,7 @@ class PixelFormatOfFrames {
         uint64_t streamed = 0;
         const bool known = BufferInfo(session_.stream, buffer, BUFFER_INFO_PIXELFORMAT, streamed);
         if (!valid_ || !known || streamed != streamed_) {
-            PIXEL_FORMAT read = static_cast<PIXEL_FORMAT>(kMonoPixelFormat);
+            PIXEL_FORMAT read = PIXEL_FORMAT_MONO8;
             result_ = ReadPixelFormat(session_.nodeMap.get(), &read);
             format_ = read;
             streamed_ = streamed;
@@ -99,7 +97,7 @@ class PixelFormatOfFrames {
     const GrabSession& session_;
     bool valid_ = false;
     uint64_t streamed_ = 0;
-    PIXEL_FORMAT format_ = static_cast<PIXEL_FORMAT>(kMonoPixelFormat);
+    PIXEL_FORMAT format_ = PIXEL_FORMAT_MONO8;
     RESULT result_ = RESULT_SUCCESS;
 };
 
@@ -180,7 +178,7 @@ class GrabLoop {
 
     IMAGE_INFO Describe(BUFFER_HANDLE buffer, void* base, uint64_t status) {
         IMAGE_INFO image{};
-        image.pixelFormat = static_cast<PIXEL_FORMAT>(kMonoPixelFormat);
+        image.pixelFormat = PIXEL_FORMAT_MONO8;
         size_t width = 0;
         size_t height = 0;
         BufferInfo(stream_, buffer, BUFFER_INFO_WIDTH, width);
@@ -191,7 +189,7 @@ class GrabLoop {
         BufferInfo(stream_, buffer, BUFFER_INFO_TIMESTAMP, image.timestamp);
         image.bufferStatus = static_cast<uint32_t>(status);
         uint32_t flags = 0;
-        BufferInfo(stream_, buffer, BUFFER_INFO_FRAME_FLAG, flags, 4);
+        BufferInfo(stream_, buffer, BUFFER_INFO_FRAME_FLAG, flags);
         image.frameFlag = static_cast<uint8_t>(flags & 0xFF);
         uint64_t blockId = 0;
         BufferInfo(stream_, buffer, BUFFER_INFO_BLOCK_ID, blockId);
@@ -245,8 +243,7 @@ class GrabLoop {
     }
 
     void Requeue(BUFFER_HANDLE buffer) const {
-        if (!session_.queueManager && buffer != nullptr)
-            TL().DSQueueBuffer(stream_, buffer);
+        RequeueUnlessManaged(session_.queueManager, stream_, buffer);
     }
 
     void LogTimeout(uint64_t timeout) const {
@@ -290,6 +287,11 @@ void RunGrabLoop(const GrabSession& session) {
         GrabLoop(session).Run();
         return RESULT_SUCCESS;
     });
+}
+
+void RequeueUnlessManaged(bool queueManager, TransportHandle stream, void* buffer) {
+    if (!queueManager && stream != nullptr && buffer != nullptr)
+        TL().DSQueueBuffer(stream, buffer);
 }
 
 RESULT ExecuteAcquisitionStop(camera::DeviceNodeMap* nodeMap) {

@@ -46,4 +46,8 @@ void RunCallbackLoop(const GrabSession& session);
 // node map.
 RESULT ExecuteAcquisitionStop(camera::DeviceNodeMap* nodeMap);
 
+// Gives a delivered buffer back to the stream, unless the queue manager is on: then the
+// application queues its buffers itself.
+void RequeueUnlessManaged(bool queueManager, TransportHandle stream, void* buffer);
+
 }  // namespace RYSDK::acquisition

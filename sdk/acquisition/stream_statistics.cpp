@@ -97,9 +97,8 @@ RESULT RyCamera::GetStreamInfo(STREAM_INFO item, unsigned int& value) {
         default:
             return RESULT_ERROR_INVALID_PARAMETER;
     }
-    GC_ERROR rc = GC_ERR_SUCCESS;
-    const uint64_t read = acquisition::ReadStreamCounter(m_Shared->stream, command, &rc);
-    if (rc != GC_ERR_SUCCESS)
+    uint64_t read = 0;
+    if (ReadCounter(m_Shared->stream, command, read) != RESULT_SUCCESS)
         return RESULT_ERROR;
     value = static_cast<unsigned int>(read);
     return RESULT_SUCCESS;

@@ -68,7 +68,7 @@ struct CameraShared {
     int32_t queueManager = 0;
     int32_t continuousHonoursFrameCount = 0;
     // Passes of the grab thread when the camera's acquisition mode cannot be read.
-    int64_t framesToGrab = 0xFFFFFFFF;
+    int64_t framesToGrab = acquisition::kContinuousPasses;
 
     std::shared_ptr<acquisition::AcquisitionState> acquisition =
         std::make_shared<acquisition::AcquisitionState>();

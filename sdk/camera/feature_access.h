@@ -15,7 +15,7 @@ namespace RYSDK::camera {
 class FeatureAccess {
   public:
     FeatureAccess(const CameraShared& shared, const core::LogSite& site) noexcept
-        : nodeMap_(shared.nodeMap.get()), site_(site) {}
+        : FeatureAccess(shared.nodeMap.get(), site) {}
     // For the camera's worker threads, which hold the node map but not the camera.
     FeatureAccess(DeviceNodeMap* nodeMap, const core::LogSite& site) noexcept
         : nodeMap_(nodeMap), site_(site) {}

@@ -29,7 +29,7 @@ class StandardFeature {
   public:
     StandardFeature(const CameraShared& shared, const core::LogSite& site, const char* name,
                     FeatureRules rules = {})
-        : access_(shared, site), name_(name), rules_(rules) {}
+        : StandardFeature(shared.nodeMap.get(), site, name, rules) {}
     StandardFeature(DeviceNodeMap* nodeMap, const core::LogSite& site, const char* name,
                     FeatureRules rules = {})
         : access_(nodeMap, site), name_(name), rules_(rules) {}

@@ -118,7 +118,8 @@ GC_ERROR ControlChannel::Exchange(GvcpCommand command, std::span<const uint8_t> 
 
 // One attempt's wait: GC_ERR_TIMEOUT when it ends without an answer.
 GC_ERROR ControlChannel::AwaitAck(const Wait& wait, Payload& answer) {
-    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer{};
+    // Only the bytes a datagram filled are read.
+    std::array<uint8_t, kGvcpMaxDatagram + 64> buffer;
     auto deadline = std::min(Clock::now() + wait.perAttempt, wait.latest);
     while (Clock::now() < deadline) {
         if (wait.unlimited && unlimitedAborted_.load())

@@ -36,8 +36,10 @@ GC_ERROR StreamModule::GetInfo(STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void* b
                                size_t* size) {
     if (!size)
         return GC_ERR_INVALID_PARAMETER;
-    const stream::ReceiverCounters engine =
-        receiver_ ? receiver_->Counters() : stream::ReceiverCounters{};
+    // Read only for the items that are the engine's: the grab thread asks for others per frame.
+    const auto engine = [this] {
+        return receiver_ ? receiver_->Counters() : stream::ReceiverCounters{};
+    };
     std::lock_guard lock(mutex_);
     switch (cmd) {
         case STREAM_INFO_ID:
@@ -62,15 +64,15 @@ GC_ERROR StreamModule::GetInfo(STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void* b
         case STREAM_INFO_NUM_CORRUPTED:
             return WriteInfoCounter(corrupted_, type, buffer, size);
         case STREAM_INFO_NUM_MISSING_PACKETS:
-            return WriteInfoCounter(engine.packetsMissing, type, buffer, size);
+            return WriteInfoCounter(engine().packetsMissing, type, buffer, size);
         case STREAM_INFO_NUM_RESEND_REQUESTS:
-            return WriteInfoCounter(engine.resendRequests, type, buffer, size);
+            return WriteInfoCounter(engine().resendRequests, type, buffer, size);
         case STREAM_INFO_NUM_RESENT_PACKETS:
-            return WriteInfoCounter(engine.packetsResent, type, buffer, size);
+            return WriteInfoCounter(engine().packetsResent, type, buffer, size);
         case STREAM_INFO_NUM_PACKETS:
-            return WriteInfoCounter(engine.packetsReceived, type, buffer, size);
+            return WriteInfoCounter(engine().packetsReceived, type, buffer, size);
         case STREAM_INFO_NUM_BYTES:
-            return WriteInfoCounter(engine.bytesReceived, type, buffer, size);
+            return WriteInfoCounter(engine().bytesReceived, type, buffer, size);
         case STREAM_INFO_PACKET_SIZE:
             return WriteInfoCounter(packetSize_.load(), type, buffer, size);
         default:

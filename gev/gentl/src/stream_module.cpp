@@ -153,15 +153,28 @@ uint32_t StreamModule::NegotiatePacketSize() {
     return chosen;
 }
 
+namespace {
+
+// The settings the stream learns from the device, as opposed to those the interface sets.
+void CopyLearned(const stream::ReceiverSettings& from, stream::ReceiverSettings& to) {
+    to.packetSize = from.packetSize;
+    to.extendedIds = from.extendedIds;
+    to.deviceSourcePort = from.deviceSourcePort;
+}
+
+bool SameLearned(const stream::ReceiverSettings& a, const stream::ReceiverSettings& b) {
+    return a.packetSize == b.packetSize && a.extendedIds == b.extendedIds &&
+           a.deviceSourcePort == b.deviceSourcePort;
+}
+
+}  // namespace
+
 void StreamModule::ApplyInterfaceSettings(const stream::ReceiverSettings& settings) {
     if (!receiver_)
         return;
     // What the stream learned from the device stays; the interface's settings come on top.
-    const stream::ReceiverSettings learned = receiver_->Settings();
     stream::ReceiverSettings next = settings;
-    next.packetSize = learned.packetSize;
-    next.extendedIds = learned.extendedIds;
-    next.deviceSourcePort = learned.deviceSourcePort;
+    CopyLearned(receiver_->Settings(), next);
     receiver_->SetSettings(next);
 }
 
@@ -171,7 +184,8 @@ void StreamModule::ApplyInterfaceSettings(const stream::ReceiverSettings& settin
 // read again at each start, with the port the device streams from when it says (SCSP, valid
 // once the channel is open). A device without the id register sends 16-bit ids.
 void StreamModule::FollowDeviceSettings() {
-    stream::ReceiverSettings settings = receiver_->Settings();
+    const stream::ReceiverSettings current = receiver_->Settings();
+    stream::ReceiverSettings settings = current;
     uint32_t config = 0;
     settings.extendedIds =
         device_->Control().ReadRegister(reg::kGvspConfiguration, config) == GC_ERR_SUCCESS &&
@@ -192,9 +206,7 @@ void StreamModule::FollowDeviceSettings() {
             reg::stream_channel_register(reg::kStreamChannelSourcePort, channel_), scsp) ==
             GC_ERR_SUCCESS)
         settings.deviceSourcePort = static_cast<uint16_t>(scsp & kPacketSizeMask);
-    const stream::ReceiverSettings current = receiver_->Settings();
-    if (settings.extendedIds != current.extendedIds || settings.packetSize != current.packetSize ||
-        settings.deviceSourcePort != current.deviceSourcePort)
+    if (!SameLearned(settings, current))
         receiver_->SetSettings(settings);
 }
 
