@@ -8,7 +8,6 @@
 #include <net/if.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -17,7 +16,6 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
-#include <new>
 #include <set>
 #include <sstream>
 #include <string>
@@ -30,37 +28,12 @@ int64_t RealtimeNs() {
     return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
 }
 
-struct DeliveryLog::Shared {
-    std::atomic<uint64_t> count{0};
-    Entry entries[kMaxFrames];
-};
-
-DeliveryLog::DeliveryLog() {
-    void* memory =
-        ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (memory != MAP_FAILED) {
-        shared_ = new (memory) Shared;
-    }
-}
-
-DeliveryLog::~DeliveryLog() {
-    if (shared_ != nullptr) {
-        shared_->~Shared();
-        ::munmap(shared_, sizeof(Shared));
-    }
-}
-
 void DeliveryLog::Clear() {
-    if (shared_ != nullptr) {
-        shared_->count = 0;
-    }
+    shared_->count = 0;
 }
 
 void DeliveryLog::Add(uint64_t blockId) {
     const int64_t now = RealtimeNs();
-    if (shared_ == nullptr) {
-        return;
-    }
     const uint64_t at = shared_->count.load(std::memory_order_relaxed);
     if (at < kMaxFrames) {
         shared_->entries[at] = {blockId, now};
@@ -69,7 +42,7 @@ void DeliveryLog::Add(uint64_t blockId) {
 }
 
 size_t DeliveryLog::Count() const {
-    return shared_ != nullptr ? shared_->count.load(std::memory_order_acquire) : 0;
+    return shared_->count.load(std::memory_order_acquire);
 }
 
 const DeliveryLog::Entry& DeliveryLog::At(size_t i) const {

@@ -15,6 +15,7 @@
 #include "child_measurement.h"
 #include "frame_tally.h"
 #include "proc_readings.h"
+#include "shared_mapping.h"
 
 namespace ry::bench {
 
@@ -31,19 +32,17 @@ class DeliveryLog {
         int64_t deliveredNs;
     };
 
-    DeliveryLog();
-    ~DeliveryLog();
-    DeliveryLog(const DeliveryLog&) = delete;
-    DeliveryLog& operator=(const DeliveryLog&) = delete;
-
     void Clear();
     void Add(uint64_t blockId);  // now
     size_t Count() const;
     const Entry& At(size_t i) const;
 
   private:
-    struct Shared;
-    Shared* shared_ = nullptr;
+    struct Shared {
+        std::atomic<uint64_t> count{0};
+        Entry entries[kMaxFrames];
+    };
+    SharedMapping<Shared> shared_;
 };
 
 // Arrival times of trailers from `cameraIp` (host byte order), taken from the kernel's receive
